@@ -1,0 +1,217 @@
+// The variant in which every property and attribute value travels.
+#pragma once
+
+#include <concepts>
+#include <type_traits>
+
+#include <RynCommon/Forward.h>
+#include <RynCommon/RyLength.h>
+#include <RynCommon/RyName.h>
+#include <RynCommon/RyObject.h>
+#include <RynCommon/RyValueUnit.h>
+
+namespace RynCommon {
+
+/// A property value: null, an integer or real with a unit, a name, a string, a colour, a counted object or a compound
+/// (a map of named values). Two machine words, copied by value: a string is copied with it, objects and maps are
+/// shared. Nothing here throws for a kind that does not fit; such conversions give NaN, 0, the empty text or the null
+/// value. Not synchronised, but values that share an object may be copied and destroyed from several threads.
+class RYNCOMMON_API RyValue {
+public:
+    /// The null value.
+    constexpr RyValue() = default;
+    /// A plain number; integers wider than 32 bits keep their low 32 bits.
+    template <std::integral T>
+        requires(!std::same_as<T, bool> && !std::same_as<T, char> && !std::same_as<T, char16_t> &&
+                 !std::same_as<T, char32_t> && !std::same_as<T, wchar_t>)
+    RyValue(T number) : RyValue(RYVALUE_INTEGER, RYUNIT_NUMBER) {
+        integer_ = static_cast<std::int32_t>(number);
+    }
+    RyValue(float number, RyValueUnitType unit = RYUNIT_NUMBER)
+        : RyValue(RYVALUE_REAL, unit) {
+        real_ = number;
+    }
+    RyValue(double number, RyValueUnitType unit = RYUNIT_NUMBER)
+        : RyValue(static_cast<float>(number), unit) {}
+    /// With a unit of its own an integer is a real, too.
+    template <std::integral T>
+        requires(!std::same_as<T, bool>)
+    RyValue(T number, RyValueUnitType unit) : RyValue(static_cast<float>(number), unit) {}
+    /// A real in points; "auto" is NaN.
+    RyValue(const RyLength& length);
+    RyValue(RyName name) : RyValue(RYVALUE_NAME, RYUNIT_NAME) { integer_ = RyNameEnum(name); }
+    RyValue(RyNameEnum name) : RyValue(RyName(name)) {}
+    /// The name "true" or "false".
+    template <std::same_as<bool> Bool>
+    RyValue(Bool truth) : RyValue(truth ? RN_true : RN_false) {}
+    /// A string: of unknown sort (unit 0), a literal (21) or a URI (22).
+    RyValue(const UnicodeString& text, RyValueUnitType unit = RYUNIT_NONE);
+    RyValue(const char16_t* text, RyValueUnitType unit = RYUNIT_NONE);
+    /// The same from UTF-8.
+    RyValue(const char* text, RyValueUnitType unit = RYUNIT_NONE);
+    /// An object, counted. A null pointer is allowed.
+    RyValue(RyRCObject* object);
+    /// A compound over a map, counted. With a null pointer the value is not compound.
+    RyValue(RyNamedValueMap* map);
+    RyValue(const void*) = delete;
+    /// What these convert to, spelt as a construction.
+    template <class T>
+        requires(std::same_as<T, RySide> || std::same_as<T, RyWritingMode> ||
+                 std::same_as<T, RyOrientation>)
+    explicit RyValue(const T& item) : RyValue(item.operator RyValue()) {}
+
+    RyValue(const RyValue& other) : tag_(other.tag_ & TAG_MASK) {
+        if (other.isOwning())
+            copyPayload(other);
+        else
+            word_ = other.word_;
+    }
+    RyValue(RyValue&& other) noexcept : tag_(other.tag_ & TAG_MASK), word_(other.word_) {
+        other.tag_ &= ~TAG_MASK;
+        other.word_ = 0;
+    }
+    RyValue& operator=(const RyValue& other);
+    RyValue& operator=(RyValue&& other) noexcept;
+    ~RyValue() {
+        if (isOwning()) releasePayload();
+    }
+
+    /// The null value; usable from any static initialiser.
+    static const RyValue NULL_VALUE;
+
+    RyValueType getValueType() const { return static_cast<RyValueType>(tag_ & 7); }
+    /// Relabels among null, integer, real and name; to or from a kind that owns something, the payload is released
+    /// first and the new one is null.
+    void setValueType(RyValueType type);
+    RyValueUnitType getUnitType() const { return static_cast<RyValueUnitType>(tag_ >> 3 & 31); }
+    void setUnitType(RyValueUnitType unit) {
+        tag_ = (tag_ & ~std::uint64_t{0xF8}) | (std::uint64_t{unit} & 31) << 3;
+    }
+
+    /// An integer as it is; a real as floor(x + 0.5), saturating, NaN giving 0; of anything else 0.
+    int getIntegerValue() const;
+    /// The number in `unit` (0: in its own), or NaN where there is no such conversion. One factor is deliberately kept
+    /// from old practice: degrees to grads multiply by 0.017453292.
+    float getRealValue(RyValueUnitType unit = RYUNIT_NONE) const;
+    /// Number of a name value, else 0.
+    RyNameEnum getNameValue() const { return isName() ? static_cast<RyNameEnum>(integer_) : RN_EMPTY; }
+    /// A name value's name; of any other value its text form, interned.
+    RyName toRyName() const;
+    /// A string's or name's text, else the empty text.
+    const UnicodeString& getStringValue() const;
+    operator UnicodeString() const { return toString(); }
+    /// An absolute length in points; of a compound that of its "length" entry or, when there is none, of its unnamed
+    /// entry; else "auto".
+    RyLength getLengthValue() const;
+    /// The object of kinds 5 and 7, else null. Not owned.
+    RyRCObject* getRCObject() const;
+    /// The map of a compound, else null. Not owned.
+    RyNamedValueMap* getNamedValueMap() const;
+
+    /// Makes the value a compound with a new, empty map.
+    void makeCompound();
+    /// Entry of a compound; the null value when there is none.
+    RyValue getNamedItem(RyName name) const;
+    void setNamedItem(RyName name, const RyValue& value);
+    void setNamedItem(const RyNamedValue& item);
+    void removeNamedItem(RyName name);
+
+    bool isNull() const { return getValueType() == RYVALUE_NULL; }
+    /// Null, a string of length 0 or the empty name.
+    bool isEmpty() const;
+    bool isInteger() const { return getValueType() == RYVALUE_INTEGER; }
+    bool isReal() const { return getValueType() == RYVALUE_REAL; }
+    bool isName() const { return getValueType() == RYVALUE_NAME; }
+    bool isString() const { return getValueType() == RYVALUE_STRING; }
+    bool isNumeric() const { return isInteger() || isReal(); }
+    bool isNumber() const { return isNumeric() && getUnitType() == RYUNIT_NUMBER; }
+    bool isPercentage() const { return isNumeric() && getUnitType() == RYUNIT_PERCENTAGE; }
+    /// em, ex or px.
+    bool isRelativeLength() const;
+    /// cm, mm, in, pt, pc, jpt, q or twip.
+    bool isAbsoluteLength() const;
+    bool isAngle() const;
+    bool isCharacter() const { return isInteger() && getUnitType() == RYUNIT_CHARACTER; }
+    /// Numeric and not a character.
+    bool isNumericalValue() const { return isNumeric() && getUnitType() != RYUNIT_CHARACTER; }
+    bool isUnknownString() const { return isString() && getUnitType() == RYUNIT_NONE; }
+    bool isLiteralString() const { return isString() && getUnitType() == RYUNIT_LITERAL; }
+    bool isUriString() const { return isString() && getUnitType() == RYUNIT_URI; }
+    bool isColor() const;
+    bool isRCObject() const;
+    bool isCompound() const { return getValueType() == RYVALUE_COMPOUND && object_ != nullptr; }
+    /// The name "true" or "yes".
+    bool isTrue() const;
+    /// The name "false" or "no".
+    bool isFalse() const;
+
+    /// Arithmetic. Both operands must be numeric, else the result is null; integers wrap; sums of unlike units are
+    /// computed in the canonical unit of the class (pt, deg, ms, Hz) or are null.
+    RyValue& operator+=(const RyValue& other);
+    RyValue& operator-=(const RyValue& other);
+    /// The result is a real; pt times pt is in square points, percentages count as their hundredth.
+    RyValue& operator*=(const RyValue& other);
+    RyValue& operator/=(const RyValue& other);
+    /// Reals: sign of the dividend. Integers: the truncating remainder, from which the divisor is taken off when its
+    /// sign differs from the dividend's (so -4 % 2 is -2, deliberately); null for a divisor of 0.
+    RyValue& operator%=(const RyValue& other);
+    friend RyValue operator+(RyValue a, const RyValue& b) { return a += b; }
+    friend RyValue operator-(RyValue a, const RyValue& b) { return a -= b; }
+    friend RyValue operator*(RyValue a, const RyValue& b) { return a *= b; }
+    friend RyValue operator/(RyValue a, const RyValue& b) { return a /= b; }
+    friend RyValue operator%(RyValue a, const RyValue& b) { return a %= b; }
+    RyValue operator-() const;
+    RyValue abs() const;
+    /// On plain numbers only, else null.
+    RyValue floor() const;
+    RyValue ceiling() const;
+    RyValue round() const;
+
+    bool operator==(const RyValue& other) const;
+    bool operator!=(const RyValue& other) const { return !(*this == other); }
+    /// Numbers by size in their canonical unit; texts by code unit; else by kind, then by unit. A name and a string
+    /// compare by text, but two names by number, so a set that mixes both has no one order. NaN compares false.
+    bool operator<(const RyValue& other) const;
+    bool operator<=(const RyValue& other) const { return *this < other || *this == other; }
+    bool operator>(const RyValue& other) const { return other < *this; }
+    bool operator>=(const RyValue& other) const { return other <= *this; }
+
+    /// Brings a number to the canonical unit of its class, as a real; dpi is only relabelled.
+    void normalizeUnit();
+
+    /// The text form. Reals print as "%g" with "." in every locale; a compound as "{a: 1; b: 2pt}", nested ones down to
+    /// 256 levels; objects and null print nothing.
+    UnicodeString toString() const;
+    /// The same with strings quoted, so that parsing reads them back as strings.
+    UnicodeString toValueText() const;
+    /// Text of a unit; empty for the units that have none.
+    static const UnicodeString& getUnitString(RyValueUnitType unit);
+
+protected:
+    friend class RyNamedValue;
+
+    static constexpr std::uint64_t TAG_MASK = 0xFF;
+    static constexpr std::uint64_t bitfield(RyValueType type, RyValueUnitType unit,
+                                            RyNameEnum name) {
+        return (std::uint64_t{static_cast<std::uint32_t>(name)} << 5 | unit) << 3 | type;
+    }
+    constexpr RyValue(RyValueType type, RyValueUnitType unit)
+        : tag_(bitfield(type, unit, RN_EMPTY)) {}
+    bool isOwning() const { return (tag_ & 4) != 0; }
+    void copyPayload(const RyValue& other);
+    void releasePayload();
+
+    /// Kind in bits 0-2, unit in bits 3-7, the name of a named value in the bits above.
+    std::uint64_t tag_ = 0;
+    union {
+        std::uint64_t word_ = 0;
+        std::int32_t integer_;
+        float real_;
+        UnicodeString* string_;
+        const RyRCObject* object_;
+    };
+};
+
+static_assert(sizeof(RyValue) == 16);
+
+}  // namespace RynCommon

@@ -1,0 +1,29 @@
+// Everything the library offers.
+#pragma once
+
+#include <RynCommon/MathMLName.h>
+#include <RynCommon/RyDMCStream.h>
+#include <RynCommon/RyDocument.h>
+#include <RynCommon/RyElement.h>
+#include <RynCommon/RyError.h>
+#include <RynCommon/RyLength.h>
+#include <RynCommon/RyLock.h>
+#include <RynCommon/RyName.h>
+#include <RynCommon/RyNameTable.h>
+#include <RynCommon/RyNamedValue.h>
+#include <RynCommon/RyNode.h>
+#include <RynCommon/RyNodeIterator.h>
+#include <RynCommon/RyObject.h>
+#include <RynCommon/RyOrientation.h>
+#include <RynCommon/RySide.h>
+#include <RynCommon/RyString.h>
+#include <RynCommon/RyTextNode.h>
+#include <RynCommon/RyUUID.h>
+#include <RynCommon/RyUri.h>
+#include <RynCommon/RyUtil.h>
+#include <RynCommon/RyValue.h>
+#include <RynCommon/RyWritingMode.h>
+#include <RynCommon/RyXmlParser.h>
+#include <RynCommon/RyXmlSerializer.h>
+#include <RynCommon/RyXmlUtil.h>
+#include <RynCommon/SVGName.h>

@@ -1,0 +1,90 @@
+// The text forms of values.
+#include <RynCommon/RyNamedValue.h>
+#include <RynCommon/RyUtil.h>
+#include <RynCommon/RyValue.h>
+#include <gtest/gtest.h>
+
+#include "tests/values/ValueTestSupport.h"
+
+namespace RynCommon {
+namespace {
+
+RyValue makeExample() {
+    RyValue value;
+    value.makeCompound();
+    value.setNamedItem(RyName(u"b"), RyValue(2, RYUNIT_PT));
+    value.setNamedItem(RyName(u"a"), 1);
+    return value;
+}
+
+TEST(ValueText, ToString) {
+    // Numbers of names interned here ascend in this order.
+    const RyName a(u"a");
+    const RyName z(u"a name of this test");
+    ASSERT_LT(RyNameEnum(a), RyNameEnum(z));
+    RyValue sparse;
+    sparse.makeCompound();
+    sparse.setNamedItem(RyName(), 3);
+    sparse.setNamedItem(a, RyValue());
+    sparse.setNamedItem(z, u"x y");
+    RyValue onlyNull;
+    onlyNull.makeCompound();
+    onlyNull.setNamedItem(a, RyValue());
+    RyValue nested;
+    nested.makeCompound();
+    nested.setNamedItem(RyName(), sparse);
+    const struct {
+        RyValue value;
+        const char* expected;
+    } rows[] = {
+        {RyValue(), ""},
+        {-5, "-5"},
+        {1e6, "1e+06"},
+        {0.1, "0.1"},
+        {RyValue(12.5, RYUNIT_PT), "12.5pt"},
+        {makeInteger(50, RYUNIT_PERCENTAGE), "50%"},
+        {RyValue(1.0F / 3, RYUNIT_KHZ), "0.333333kHz"},
+        {RyValue(7, RYUNIT_AREA), "7"},
+        {RyValue(7, static_cast<RyValueUnitType>(25)), "7"},
+        {makeInteger(u'x', RYUNIT_CHARACTER), "x"},
+        {makeInteger(0x1F600, RYUNIT_CHARACTER), "\xF0\x9F\x98\x80"},
+        {makeInteger(0x110000, RYUNIT_CHARACTER), ""},
+        {makeInteger(-1, RYUNIT_CHARACTER), ""},
+        {makeInteger(0xABCDEF, RYUNIT_COLOR), "#ABCDEF"},
+        {makeInteger(0x7F00000A, RYUNIT_COLOR), "#00000A"},
+        {RN_auto, "auto"},
+        {u"a \"b\"", "a \"b\""},
+        {static_cast<RyRCObject*>(nullptr), ""},
+        {sparse, "{.: 3; a name of this test: x y}"},
+        {onlyNull, "{}"},
+        {nested, "{.: {.: 3; a name of this test: x y}}"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(narrow(row.value.toString()), row.expected);
+        EXPECT_EQ(narrow(UnicodeString(row.value)), row.expected);
+    }
+}
+
+TEST(ValueText, CompoundEntriesComeInNameOrder) {
+    // Whichever of the two names was interned first has the lower number.
+    const bool aIsFirst = RyNameEnum(RyName(u"a")) < RyNameEnum(RyName(u"b"));
+    EXPECT_EQ(narrow(makeExample().toString()), aIsFirst ? "{a: 1; b: 2pt}" : "{b: 2pt; a: 1}");
+}
+
+TEST(ValueText, ToValueTextQuotesStrings) {
+    RyValue compound;
+    compound.makeCompound();
+    compound.setNamedItem(RN_value, u"x; y");
+    const struct {
+        RyValue value;
+        const char* expected;
+    } rows[] = {
+        {u"12pt", "\"12pt\""}, {RyValue(u"say \"a\"", RYUNIT_LITERAL), "'say \"a\"'"},
+        {u"", "\"\""},         {RyValue(12, RYUNIT_PT), "12pt"},
+        {RN_auto, "auto"},     {compound, "{value: \"x; y\"}"},
+    };
+    for (const auto& row : rows) EXPECT_EQ(narrow(row.value.toValueText()), row.expected);
+}
+
+}  // namespace
+}  // namespace RynCommon
