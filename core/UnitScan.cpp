@@ -1,0 +1,376 @@
+// The scan kernels for each instruction set, and the choice between them.
+//
+// This file is compiled once per instruction set: everything between HWY_BEFORE_NAMESPACE and
+// HWY_AFTER_NAMESPACE is repeated in a namespace of its own. Vectors are capped at 256 bits: runs
+// in documents are short, and wider ones make some processors lower their clock. A range at least
+// one vector long is finished by a vector that overlaps the one before it, a shorter one by half a
+// vector or unit by unit.
+#include "core/UnitScan.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "core/UnitScan.cpp"
+// Between SSSE3 and AVX2, and above AVX2, nothing that these kernels use gets faster.
+#define HWY_DISABLED_TARGETS (HWY_SSE4 | HWY_AVX3 | HWY_AVX3_DL)
+#include <hwy/foreach_target.h>
+// foreach_target.h comes first.
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace RynCommon {
+namespace HWY_NAMESPACE {
+
+#if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128
+
+// A processor without vectors.
+using scalar::countLines;
+using scalar::findLineBreakUnit;
+using scalar::findMarkupStop;
+using scalar::findTextStop;
+using scalar::findUnit;
+using scalar::findValueStop;
+using scalar::isLatin1;
+using scalar::narrowLatin1;
+using scalar::widenAscii;
+using scalar::widenLatin1;
+
+#else
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using WideTag = hn::CappedTag<std::uint16_t, 16>;
+using HalfTag = hn::CappedTag<std::uint16_t, 8>;
+
+template <class D>
+HWY_INLINE hn::Vec<D> load(D d, const char16_t* p) {
+    return hn::LoadU(d, reinterpret_cast<const std::uint16_t*>(p));
+}
+
+template <class D>
+HWY_INLINE hn::Mask<D> matches(D d, hn::Vec<D> v, char16_t unit) {
+    return hn::Eq(v, hn::Set(d, unit));
+}
+
+template <class D, class... Units>
+HWY_INLINE hn::Mask<D> matches(D d, hn::Vec<D> v, char16_t unit, Units... more) {
+    return hn::Or(hn::Eq(v, hn::Set(d, unit)), matches(d, v, more...));
+}
+
+// Two equal bits for each unit, set where the mask is; the first unit has the lowest.
+template <class D>
+HWY_INLINE std::uint64_t bitsOf(D d, hn::Mask<D> mask) {
+    const hn::Repartition<std::uint8_t, D> bytes;
+    std::uint64_t bits = 0;
+    hn::StoreMaskBits(bytes, hn::MaskFromVec(hn::BitCast(bytes, hn::VecFromMask(d, mask))),
+                      reinterpret_cast<std::uint8_t*>(&bits));
+    return bits;
+}
+
+template <class D, class... Units>
+HWY_INLINE std::uint64_t hits(D d, const char16_t* p, Units... units) {
+    return bitsOf(d, matches(d, load(d, p), units...));
+}
+
+HWY_INLINE const char16_t* firstHit(const char16_t* p, std::uint64_t bits) {
+    return p + hwy::Num0BitsBelowLS1Bit_Nonzero64(bits) / 2;
+}
+
+// The range is at least one vector long. Vectors are taken in pairs as far as they go, which halves
+// the branches that depend on the length of a run.
+template <class D, class... Units>
+HWY_INLINE const char16_t* findInVectors(D d, const char16_t* p, const char16_t* end,
+                                         Units... units) {
+    const std::size_t lanes = hn::Lanes(d);
+    for (; static_cast<std::size_t>(end - p) >= 2 * lanes; p += 2 * lanes) {
+        const std::uint64_t bits = hits(d, p, units...) | hits(d, p + lanes, units...)
+                                                              << (2 * lanes);
+        if (bits != 0) return firstHit(p, bits);
+    }
+    if (static_cast<std::size_t>(end - p) >= lanes) {
+        const std::uint64_t bits = hits(d, p, units...);
+        if (bits != 0) return firstHit(p, bits);
+        p += lanes;
+    }
+    if (p == end) return end;
+    const std::uint64_t bits = hits(d, end - lanes, units...);
+    return bits != 0 ? firstHit(end - lanes, bits) : end;
+}
+
+template <class... Units>
+HWY_INLINE const char16_t* find(const char16_t* p, const char16_t* end, Units... units) {
+    const std::size_t n = static_cast<std::size_t>(end - p);
+    const WideTag wide;
+    const HalfTag half;
+    if (n >= hn::Lanes(wide)) return findInVectors(wide, p, end, units...);
+    if (n >= hn::Lanes(half)) return findInVectors(half, p, end, units...);
+    for (; p != end; ++p) {
+        if (((*p == units) || ...)) break;
+    }
+    return p;
+}
+
+const char16_t* findTextStop(const char16_t* p, const char16_t* end) {
+    return find(p, end, u'<', u'&', u']');
+}
+
+const char16_t* findValueStop(const char16_t* p, const char16_t* end, char16_t quote) {
+    return find(p, end, quote, u'<', u'&', u'\t', u'\n', u'\r');
+}
+
+const char16_t* findUnit(const char16_t* p, const char16_t* end, char16_t unit) {
+    return find(p, end, unit);
+}
+
+const char16_t* findMarkupStop(const char16_t* p, const char16_t* end, char16_t a, char16_t b) {
+    return find(p, end, a, b);
+}
+
+const char16_t* findLineBreakUnit(const char16_t* p, const char16_t* end) {
+    return find(p, end, u'\r', char16_t{0x85}, char16_t{0x2028}, char16_t{0xFFFF});
+}
+
+// Adds a vector whose `units` lowest units are to be counted; each has two bits in `feeds` and in
+// `lows`.
+HWY_INLINE void addLines(std::uint64_t feeds, std::uint64_t lows, std::size_t units,
+                         LineCount& count) {
+    if (feeds != 0) {
+        const std::size_t after = 64 - hwy::Num0BitsAboveMS1Bit_Nonzero64(feeds);
+        count.lines += hwy::PopCount(feeds) / 2;
+        count.charactersAfterLast = units - after / 2 - hwy::PopCount(lows >> after) / 2;
+    } else {
+        count.charactersAfterLast += units - hwy::PopCount(lows) / 2;
+    }
+}
+
+// The range is at least one vector long. The last vector overlaps the one before it, whose bits are
+// shifted out.
+template <class D>
+HWY_INLINE LineCount countInVectors(D d, const char16_t* p, const char16_t* end) {
+    LineCount count;
+    const std::size_t lanes = hn::Lanes(d);
+    const auto lineFeed = hn::Set(d, u'\n');
+    const auto surrogateBits = hn::Set(d, 0xFC00);
+    const auto lowSurrogate = hn::Set(d, 0xDC00);
+    while (p != end) {
+        const std::size_t left = static_cast<std::size_t>(end - p);
+        const std::size_t units = left < lanes ? left : lanes;
+        const std::size_t counted = 2 * (lanes - units);
+        const auto v = load(d, p + units - lanes);
+        const auto feeds = hn::Eq(v, lineFeed);
+        const auto lows = hn::Eq(hn::And(v, surrogateBits), lowSurrogate);
+        if (hn::AllFalse(d, hn::Or(feeds, lows)))
+            count.charactersAfterLast += units;
+        else
+            addLines(bitsOf(d, feeds) >> counted, bitsOf(d, lows) >> counted, units, count);
+        p += units;
+    }
+    return count;
+}
+
+LineCount countLines(const char16_t* p, const char16_t* end) {
+    const std::size_t n = static_cast<std::size_t>(end - p);
+    if (n >= hn::Lanes(WideTag())) return countInVectors(WideTag(), p, end);
+    if (n >= hn::Lanes(HalfTag())) return countInVectors(HalfTag(), p, end);
+    return scalar::countLines(p, end);
+}
+
+// Widens whole vectors; returns how far it came. `ascii` says whether all of that was ASCII.
+template <class D>
+HWY_INLINE std::size_t widenAsciiVectors(D wide, const std::uint8_t* in, std::size_t n,
+                                         char16_t* out, bool& ascii) {
+    const hn::Rebind<std::uint8_t, D> narrow;
+    const hn::RebindToSigned<decltype(narrow)> narrowSigned;
+    const std::size_t lanes = hn::Lanes(wide);
+    std::size_t i = 0;
+    for (; n - i >= lanes; i += lanes) {
+        const auto bytes = hn::LoadU(narrow, in + i);
+        hn::StoreU(hn::PromoteTo(wide, bytes), wide, reinterpret_cast<std::uint16_t*>(out + i));
+        const auto beyond = hn::Lt(hn::BitCast(narrowSigned, bytes), hn::Zero(narrowSigned));
+        if (!hn::AllFalse(narrowSigned, beyond)) {
+            ascii = false;
+            return i + hn::FindKnownFirstTrue(narrowSigned, beyond);
+        }
+    }
+    return i;
+}
+
+std::size_t widenAscii(const std::uint8_t* in, std::size_t n, char16_t* out) {
+    bool ascii = true;
+    std::size_t i = widenAsciiVectors(WideTag(), in, n, out, ascii);
+    if (ascii) i += widenAsciiVectors(HalfTag(), in + i, n - i, out + i, ascii);
+    if (ascii) i += scalar::widenAscii(in + i, n - i, out + i);
+    return i;
+}
+
+template <class D>
+HWY_INLINE bool isLatin1InVectors(D d, const char16_t* p, std::size_t n) {
+    const std::size_t lanes = hn::Lanes(d);
+    auto seen = load(d, p + n - lanes);
+    for (std::size_t i = 0; n - i >= lanes; i += lanes) seen = hn::Or(seen, load(d, p + i));
+    return hn::AllTrue(d, hn::Eq(hn::And(seen, hn::Set(d, 0xFF00)), hn::Zero(d)));
+}
+
+bool isLatin1(const char16_t* p, std::size_t n) {
+    if (n >= hn::Lanes(WideTag())) return isLatin1InVectors(WideTag(), p, n);
+    if (n >= hn::Lanes(HalfTag())) return isLatin1InVectors(HalfTag(), p, n);
+    return scalar::isLatin1(p, n);
+}
+
+template <class D>
+HWY_INLINE void narrowVector(D wide, const char16_t* in, std::uint8_t* out) {
+    const hn::RebindToSigned<D> wideSigned;
+    const hn::Rebind<std::uint8_t, D> narrow;
+    // Values below 256 are the same when signed, and the saturation of the demotion leaves them
+    // alone.
+    hn::StoreU(hn::DemoteTo(narrow, hn::BitCast(wideSigned, load(wide, in))), narrow, out);
+}
+
+template <class D>
+HWY_INLINE void widenVector(D wide, const std::uint8_t* in, char16_t* out) {
+    const hn::Rebind<std::uint8_t, D> narrow;
+    hn::StoreU(hn::PromoteTo(wide, hn::LoadU(narrow, in)), wide,
+               reinterpret_cast<std::uint16_t*>(out));
+}
+
+template <class D>
+HWY_INLINE void narrowInVectors(D d, const char16_t* in, std::size_t n, std::uint8_t* out) {
+    const std::size_t lanes = hn::Lanes(d);
+    for (std::size_t i = 0; n - i > lanes; i += lanes) narrowVector(d, in + i, out + i);
+    narrowVector(d, in + n - lanes, out + n - lanes);
+}
+
+template <class D>
+HWY_INLINE void widenInVectors(D d, const std::uint8_t* in, std::size_t n, char16_t* out) {
+    const std::size_t lanes = hn::Lanes(d);
+    for (std::size_t i = 0; n - i > lanes; i += lanes) widenVector(d, in + i, out + i);
+    widenVector(d, in + n - lanes, out + n - lanes);
+}
+
+void narrowLatin1(const char16_t* in, std::size_t n, std::uint8_t* out) {
+    if (n >= hn::Lanes(WideTag())) return narrowInVectors(WideTag(), in, n, out);
+    if (n >= hn::Lanes(HalfTag())) return narrowInVectors(HalfTag(), in, n, out);
+    scalar::narrowLatin1(in, n, out);
+}
+
+void widenLatin1(const std::uint8_t* in, std::size_t n, char16_t* out) {
+    if (n >= hn::Lanes(WideTag())) return widenInVectors(WideTag(), in, n, out);
+    if (n >= hn::Lanes(HalfTag())) return widenInVectors(HalfTag(), in, n, out);
+    scalar::widenLatin1(in, n, out);
+}
+
+#endif
+
+}  // namespace HWY_NAMESPACE
+}  // namespace RynCommon
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
+#include <atomic>
+#include <cstdlib>
+
+namespace RynCommon {
+
+HWY_EXPORT(findTextStop);
+HWY_EXPORT(findValueStop);
+HWY_EXPORT(findUnit);
+HWY_EXPORT(findMarkupStop);
+HWY_EXPORT(findLineBreakUnit);
+HWY_EXPORT(countLines);
+HWY_EXPORT(widenAscii);
+HWY_EXPORT(isLatin1);
+HWY_EXPORT(narrowLatin1);
+HWY_EXPORT(widenLatin1);
+
+namespace {
+
+struct Kernels {
+    const char16_t* (*findTextStop)(const char16_t*, const char16_t*);
+    const char16_t* (*findValueStop)(const char16_t*, const char16_t*, char16_t);
+    const char16_t* (*findUnit)(const char16_t*, const char16_t*, char16_t);
+    const char16_t* (*findMarkupStop)(const char16_t*, const char16_t*, char16_t, char16_t);
+    const char16_t* (*findLineBreakUnit)(const char16_t*, const char16_t*);
+    LineCount (*countLines)(const char16_t*, const char16_t*);
+    std::size_t (*widenAscii)(const std::uint8_t*, std::size_t, char16_t*);
+    bool (*isLatin1)(const char16_t*, std::size_t);
+    void (*narrowLatin1)(const char16_t*, std::size_t, std::uint8_t*);
+    void (*widenLatin1)(const std::uint8_t*, std::size_t, char16_t*);
+};
+
+Kernels selectKernels() noexcept {
+    if (std::getenv("RYNCOMMON_SCALAR") != nullptr) {
+        return {scalar::findTextStop,   scalar::findValueStop,     scalar::findUnit,
+                scalar::findMarkupStop, scalar::findLineBreakUnit, scalar::countLines,
+                scalar::widenAscii,     scalar::isLatin1,          scalar::narrowLatin1,
+                scalar::widenLatin1};
+    }
+    // The tables' first entry chooses at each call; asking for the targets once makes them hand out
+    // the kernels.
+    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+    return {HWY_DYNAMIC_DISPATCH(findTextStop),      HWY_DYNAMIC_DISPATCH(findValueStop),
+            HWY_DYNAMIC_DISPATCH(findUnit),          HWY_DYNAMIC_DISPATCH(findMarkupStop),
+            HWY_DYNAMIC_DISPATCH(findLineBreakUnit), HWY_DYNAMIC_DISPATCH(countLines),
+            HWY_DYNAMIC_DISPATCH(widenAscii),        HWY_DYNAMIC_DISPATCH(isLatin1),
+            HWY_DYNAMIC_DISPATCH(narrowLatin1),      HWY_DYNAMIC_DISPATCH(widenLatin1)};
+}
+
+constinit std::atomic<const Kernels*> chosenKernels{nullptr};
+
+[[gnu::noinline, gnu::cold]] const Kernels& chooseKernels() noexcept {
+    static const Kernels kernels = selectKernels();
+    chosenKernels.store(&kernels, std::memory_order_release);
+    return kernels;
+}
+
+inline const Kernels& kernels() noexcept {
+    const Kernels* const chosen = chosenKernels.load(std::memory_order_acquire);
+    if (chosen != nullptr) [[likely]]
+        return *chosen;
+    return chooseKernels();
+}
+
+}  // namespace
+
+const char16_t* findTextStop(const char16_t* p, const char16_t* end) noexcept {
+    return kernels().findTextStop(p, end);
+}
+
+const char16_t* findValueStop(const char16_t* p, const char16_t* end, char16_t quote) noexcept {
+    return kernels().findValueStop(p, end, quote);
+}
+
+const char16_t* findUnit(const char16_t* p, const char16_t* end, char16_t unit) noexcept {
+    return kernels().findUnit(p, end, unit);
+}
+
+const char16_t* findMarkupStop(const char16_t* p, const char16_t* end, char16_t a,
+                               char16_t b) noexcept {
+    return kernels().findMarkupStop(p, end, a, b);
+}
+
+const char16_t* findLineBreakUnit(const char16_t* p, const char16_t* end) noexcept {
+    return kernels().findLineBreakUnit(p, end);
+}
+
+LineCount countLines(const char16_t* p, const char16_t* end) noexcept {
+    return kernels().countLines(p, end);
+}
+
+std::size_t widenAscii(const std::uint8_t* in, std::size_t n, char16_t* out) noexcept {
+    return kernels().widenAscii(in, n, out);
+}
+
+bool isLatin1(const char16_t* p, std::size_t n) noexcept {
+    return kernels().isLatin1(p, n);
+}
+
+void narrowLatin1(const char16_t* in, std::size_t n, std::uint8_t* out) noexcept {
+    kernels().narrowLatin1(in, n, out);
+}
+
+void widenLatin1(const std::uint8_t* in, std::size_t n, char16_t* out) noexcept {
+    kernels().widenLatin1(in, n, out);
+}
+
+}  // namespace RynCommon
+
+#endif  // HWY_ONCE

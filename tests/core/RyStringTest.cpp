@@ -1,0 +1,106 @@
+// The constant strings and exact-size texts.
+#include <RynCommon/RyString.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace RynCommon {
+namespace {
+
+static_assert(sizeof(RyCompactText) == sizeof(void*));
+
+TEST(RyString, Constants) {
+    EXPECT_TRUE(RyEmptyString::EMPTY_VALUE.isEmpty());
+    EXPECT_FALSE(RyEmptyString::EMPTY_VALUE.isBogus());
+    EXPECT_TRUE(RyBogusString::BOGUS_VALUE.isBogus());
+    const UnicodeString copy = RyBogusString::BOGUS_VALUE;
+    EXPECT_TRUE(copy.isBogus());
+}
+
+void expectText(const RyCompactText& compact, const UnicodeString& text) {
+    EXPECT_EQ(compact.length(), text.length());
+    EXPECT_EQ(compact.isEmpty(), text.isEmpty());
+    EXPECT_EQ(compact.toString(), text);
+    EXPECT_TRUE(compact.equals(text));
+
+    UnicodeString appended(u"before");
+    compact.appendTo(appended);
+    EXPECT_EQ(appended, UnicodeString(u"before") + text);
+
+    UnicodeString replaced(u"something longer that was there before, and needs a buffer");
+    compact.copyTo(replaced);
+    EXPECT_EQ(replaced, text);
+    UnicodeString bogus;
+    bogus.setToBogus();
+    compact.copyTo(bogus);
+    EXPECT_EQ(bogus, text);
+
+    if (text.isEmpty()) return;
+    UnicodeString other = text;
+    EXPECT_FALSE(compact.equals(other + u"x"));
+    EXPECT_FALSE(compact.equals(text.tempSubString(0, text.length() - 1)));
+    other.setCharAt(text.length() - 1, text[text.length() - 1] ^ 0x100);
+    EXPECT_FALSE(compact.equals(other));
+}
+
+TEST(RyCompactText, GivesBackEveryText) {
+    const std::vector<std::pair<const char*, UnicodeString>> rows = {
+        {"empty", u""},
+        {"ASCII", u"plain"},
+        {"NUL inside", UnicodeString(u"a\0b", 3)},
+        {"last narrow unit", u"\u00FF"},
+        {"first wide unit", u"\u0100"},
+        {"wide at the end", u"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa\u3042"},
+        {"supplementary", u"x\U0001F600y"},
+        {"lone surrogates", UnicodeString(u"\xDC00\xD800", 2)},
+        {"long and narrow", UnicodeString(5000, u'\u00E9', 5000)},
+        {"long and wide", UnicodeString(5000, u'\u6F22', 5000)},
+    };
+    for (const auto& [what, text] : rows) {
+        SCOPED_TRACE(what);
+        expectText(RyCompactText(text), text);
+        expectText(RyCompactText(text.getBuffer(), text.length()), text);
+    }
+    UnicodeString growing;
+    for (int length = 0; length < 100; ++length) {
+        SCOPED_TRACE(length);
+        expectText(RyCompactText(growing), growing);
+        expectText(RyCompactText(growing + u"\u3000"), growing + u"\u3000");
+        growing.append(static_cast<char16_t>(0x60 + length));
+    }
+}
+
+TEST(RyCompactText, CopiesAndMoves) {
+    const UnicodeString narrow(u"narrow");
+    const UnicodeString wide(u"wide \u4E00");
+    RyCompactText a(narrow);
+    RyCompactText b(wide);
+    RyCompactText copy(a);
+    expectText(copy, narrow);
+    copy = b;
+    expectText(copy, wide);
+    expectText(b, wide);
+    copy = *&copy;
+    expectText(copy, wide);
+    RyCompactText moved(std::move(copy));
+    expectText(moved, wide);
+    expectText(copy, u"");
+    moved = std::move(a);
+    expectText(moved, narrow);
+    expectText(a, u"");
+    moved = RyCompactText();
+    expectText(moved, u"");
+}
+
+TEST(RyCompactText, NothingToHold) {
+    UnicodeString bogus;
+    bogus.setToBogus();
+    expectText(RyCompactText(bogus), u"");
+    expectText(RyCompactText(nullptr, 0), u"");
+    expectText(RyCompactText(u"x", -1), u"");
+}
+
+}  // namespace
+}  // namespace RynCommon

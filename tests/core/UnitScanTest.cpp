@@ -1,0 +1,247 @@
+// The scan kernels against their scalar twins, at every length, alignment and position.
+#include "core/UnitScan.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "core/TextHash.h"
+
+namespace RynCommon {
+namespace {
+
+constexpr std::size_t LONGEST = 100;
+constexpr std::size_t ALIGNMENTS = 17;
+
+// A run of `length` elements that starts at any alignment and ends where its allocation ends, so
+// that a sanitizer sees every access past it.
+template <class T>
+class UnitRun {
+public:
+    UnitRun(std::size_t length, std::size_t offset, T fill)
+        : room_(new T[offset + length]), start_(room_.get() + offset), length_(length) {
+        std::fill_n(room_.get(), offset + length, fill);
+    }
+    T* begin() { return start_; }
+    T* end() { return start_ + length_; }
+    T& operator[](std::size_t i) { return start_[i]; }
+
+private:
+    std::unique_ptr<T[]> room_;
+    T* start_;
+    std::size_t length_;
+};
+
+using Find = const char16_t* (*)(const char16_t*, const char16_t*);
+
+struct FindCase {
+    const char* what;
+    Find kernel;
+    Find twin;
+    std::u16string stops;
+};
+
+#define FIND_CASE(stops, ...)                                                                    \
+    FindCase {                                                                                   \
+#__VA_ARGS__,                                                                            \
+            [](const char16_t* p,                                                                \
+               const char16_t*                                                                   \
+                   end) { return __VA_ARGS__; }, [](const char16_t* p,                           \
+                                                    const char16_t*                              \
+                                                        end) { return scalar::__VA_ARGS__; },    \
+                                                                                           stops \
+    }
+
+const FindCase FIND_CASES[] = {
+    FIND_CASE(u"<&]", findTextStop(p, end)),
+    FIND_CASE(u"\"<&\t\n\r", findValueStop(p, end, u'"')),
+    FIND_CASE(u"'<&\t\n\r", findValueStop(p, end, u'\'')),
+    FIND_CASE(u"\u3042", findUnit(p, end, u'\u3042')),
+    FIND_CASE(std::u16string(1, u'\0'), findUnit(p, end, u'\0')),
+    FIND_CASE(u"->", findMarkupStop(p, end, u'-', u'>')),
+    FIND_CASE(u"\r\u0085\u2028\uFFFF", findLineBreakUnit(p, end)),
+};
+
+// Units that a kernel looking at single bytes, or signed, would take for `stop`.
+std::u16string nearMisses(const std::u16string& stops) {
+    std::u16string result;
+    for (const char16_t stop : stops) {
+        const int candidates[] = {stop + 1,      stop - 1,      stop ^ 0x8000,
+                                  stop ^ 0x0100, stop << 8,     stop << 8 | (stop & 0xFF),
+                                  stop >> 8,     stop & 0xFF00, stop ^ 0x80};
+        for (const int candidate : candidates) {
+            const char16_t unit = static_cast<char16_t>(candidate);
+            if (stops.find(unit) == stops.npos) result += unit;
+        }
+    }
+    return result;
+}
+
+TEST(UnitScan, FindsTheFirstStop) {
+    for (const FindCase& row : FIND_CASES) {
+        SCOPED_TRACE(row.what);
+        for (std::size_t length = 0; length <= LONGEST; ++length) {
+            for (std::size_t offset = 0; offset < ALIGNMENTS; ++offset) {
+                UnitRun<char16_t> run(length, offset, u'a');
+                ASSERT_EQ(row.kernel(run.begin(), run.end()), run.end()) << length;
+                for (std::size_t at = length; at-- > 0;) {
+                    // Later stops stay, so that the first of several has to be found.
+                    run[at] = row.stops[at % row.stops.size()];
+                    ASSERT_EQ(row.kernel(run.begin(), run.end()), run.begin() + at)
+                        << length << " " << offset;
+                    ASSERT_EQ(row.twin(run.begin(), run.end()), run.begin() + at);
+                }
+            }
+        }
+    }
+}
+
+TEST(UnitScan, StopsAtNothingElse) {
+    for (const FindCase& row : FIND_CASES) {
+        SCOPED_TRACE(row.what);
+        const std::u16string misses = nearMisses(row.stops);
+        for (std::size_t length = 0; length <= LONGEST; ++length) {
+            UnitRun<char16_t> run(length, length % ALIGNMENTS, u'a');
+            for (std::size_t i = 0; i < length; ++i) run[i] = misses[(i + length) % misses.size()];
+            ASSERT_EQ(row.twin(run.begin(), run.end()), run.end()) << length;
+            ASSERT_EQ(row.kernel(run.begin(), run.end()), run.end()) << length;
+            for (std::size_t at = 0; at < length; ++at) {
+                const char16_t before = run[at];
+                for (const char16_t stop : row.stops) {
+                    run[at] = stop;
+                    ASSERT_EQ(row.kernel(run.begin(), run.end()), run.begin() + at) << length;
+                }
+                run[at] = before;
+            }
+        }
+    }
+}
+
+TEST(UnitScan, CountsLinesAndCharacters) {
+    const struct {
+        const char* what;
+        std::u16string text;
+        std::size_t lines, characters;
+    } rows[] = {{"nothing", u"", 0, 0},
+                {"no line end", u"abc", 0, 3},
+                {"line end last", u"abc\n", 1, 0},
+                {"CR is a character", u"a\r\nb\r", 1, 2},
+                {"a pair is one character", u"\n\U0001F600\U0001F600a", 1, 3},
+                {"lone low surrogates are none", {u'\n', 0xDC00, 0xDFFF, u'a'}, 1, 1},
+                {"lone high surrogates are", {0xDBFF, 0xD800, 0xE000}, 0, 3}};
+    for (const auto& row : rows) {
+        const char16_t* const p = row.text.data();
+        const LineCount count = countLines(p, p + row.text.size());
+        EXPECT_EQ(count.lines, row.lines) << row.what;
+        EXPECT_EQ(count.charactersAfterLast, row.characters) << row.what;
+    }
+}
+
+TEST(UnitScan, CountsAsItsTwinDoes) {
+    std::mt19937 random(7);
+    const std::u16string rare = u"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa\n\xDC00";
+    const std::u16string dense = {u'\n', 0xDC00, 0xDFFF, 0xD800, 0xDBFF,
+                                  u'a',  0x0A0A, 0xDC0A, 0x0ADC, 0xE000};
+    for (const std::u16string& alphabet : {rare, dense}) {
+        for (std::size_t length = 0; length <= LONGEST; ++length) {
+            for (std::size_t offset = 0; offset < ALIGNMENTS; ++offset) {
+                UnitRun<char16_t> run(length, offset, u'\n');
+                for (int round = 0; round < 8; ++round) {
+                    for (char16_t& unit : run) unit = alphabet[random() % alphabet.size()];
+                    const LineCount count = countLines(run.begin(), run.end());
+                    const LineCount twin = scalar::countLines(run.begin(), run.end());
+                    ASSERT_EQ(count.lines, twin.lines) << length;
+                    ASSERT_EQ(count.charactersAfterLast, twin.charactersAfterLast) << length;
+                }
+            }
+        }
+    }
+}
+
+TEST(UnitScan, WidensTheAsciiPrefix) {
+    for (std::size_t length = 0; length <= LONGEST; ++length) {
+        for (std::size_t offset = 0; offset < ALIGNMENTS; ++offset) {
+            UnitRun<std::uint8_t> in(length, offset, 0);
+            UnitRun<char16_t> out(length, ALIGNMENTS - offset, u'?');
+            for (std::size_t i = 0; i < length; ++i) in[i] = static_cast<std::uint8_t>(i);
+            ASSERT_EQ(widenAscii(in.begin(), length, out.begin()), length);
+            for (std::size_t i = 0; i < length; ++i) ASSERT_EQ(out[i], i);
+            for (std::size_t at = length; at-- > 0;) {
+                in[at] = static_cast<std::uint8_t>(at % 2 == 0 ? 0x80 : 0xFF);
+                std::fill(out.begin(), out.end(), u'?');
+                ASSERT_EQ(widenAscii(in.begin(), length, out.begin()), at) << length;
+                ASSERT_EQ(scalar::widenAscii(in.begin(), length, out.begin()), at);
+                for (std::size_t i = 0; i < at; ++i) ASSERT_EQ(out[i], i);
+            }
+        }
+    }
+}
+
+TEST(UnitScan, NarrowsAndWidensLatin1) {
+    for (std::size_t length = 0; length <= LONGEST; ++length) {
+        for (std::size_t offset = 0; offset < ALIGNMENTS; ++offset) {
+            UnitRun<char16_t> units(length, offset, u'a');
+            for (std::size_t i = 0; i < length; ++i)
+                units[i] = static_cast<char16_t>((i * 37 + 200) & 0xFF);
+            ASSERT_TRUE(isLatin1(units.begin(), length)) << length;
+
+            UnitRun<std::uint8_t> bytes(length, ALIGNMENTS - offset, 0);
+            narrowLatin1(units.begin(), length, bytes.begin());
+            UnitRun<char16_t> back(length, offset, u'?');
+            widenLatin1(bytes.begin(), length, back.begin());
+            for (std::size_t i = 0; i < length; ++i) {
+                ASSERT_EQ(bytes[i], (i * 37 + 200) & 0xFF) << length;
+                ASSERT_EQ(back[i], units[i]) << length;
+            }
+
+            for (std::size_t at = 0; at < length; ++at) {
+                const char16_t before = units[at];
+                for (const char16_t wide : {u'\u0100', u'\u8000', u'\uFF00', u'\uFFFF'}) {
+                    units[at] = wide;
+                    ASSERT_FALSE(isLatin1(units.begin(), length)) << length << " " << at;
+                    ASSERT_FALSE(scalar::isLatin1(units.begin(), length));
+                }
+                units[at] = before;
+            }
+        }
+    }
+}
+
+// What the compiler works out for constant tables is what running code finds.
+TEST(TextHash, IsTheSameWhenCompiledAndWhenRun) {
+    constexpr std::uint64_t compiled[] = {hashText(u"", 0, 1),       hashText(u"a", 1, 1),
+                                          hashText(u"abc", 3, 1),    hashText(u"abcd", 4, 1),
+                                          hashText(u"abcde", 5, 1),  hashText(u"abcdefgh", 8, 1),
+                                          hashText(u"\uFFFF", 1, 1), hashText(u"abcdefghi", 9, 1)};
+    const std::u16string texts[] = {u"",      u"a",        u"abc",    u"abcd",
+                                    u"abcde", u"abcdefgh", u"\uFFFF", u"abcdefghi"};
+    for (std::size_t i = 0; i < std::size(texts); ++i)
+        EXPECT_EQ(hashText(texts[i].data(), texts[i].size(), 1), compiled[i]) << i;
+}
+
+TEST(TextHash, DependsOnEveryUnitTheLengthAndTheSeed) {
+    std::vector<std::uint64_t> hashes;
+    for (std::size_t length = 0; length < 30; ++length) {
+        std::u16string text(length, u'\0');
+        hashes.push_back(hashText(text.data(), length, 1));
+        hashes.push_back(hashText(text.data(), length, 2));
+        for (std::size_t at = 0; at < length; ++at) {
+            text[at] = u'\1';
+            hashes.push_back(hashText(text.data(), length, 1));
+            text[at] = u'\0';
+        }
+    }
+    const std::size_t count = hashes.size();
+    std::sort(hashes.begin(), hashes.end());
+    hashes.erase(std::unique(hashes.begin(), hashes.end()), hashes.end());
+    EXPECT_EQ(hashes.size(), count);
+    EXPECT_EQ(textHashSeed(), textHashSeed());
+}
+
+}  // namespace
+}  // namespace RynCommon
