@@ -21,6 +21,7 @@ class RyDocument;
 class RyDocumentFragment;
 class RyElement;
 class RyError;
+class RyLang;
 class RyLength;
 class RyLock;
 class RyMessage;
@@ -42,6 +43,7 @@ class RyPINode;
 class RyRCObject;
 class RySide;
 class RyTextNode;
+class RyTokenizer;
 class RyTreeIterator;
 class RyUri;
 class RyUriReferenceResolver;
@@ -51,6 +53,7 @@ class RyWritingMode;
 class RyXmlParser;
 class RyXmlSerializer;
 class SVGName;
+class TransMatrix;
 template <class T>
 class RyPtr;
 

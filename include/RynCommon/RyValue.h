@@ -49,6 +49,8 @@ public:
     RyValue(const char16_t* text, RyValueUnitType unit = RYUNIT_NONE);
     /// The same from UTF-8.
     RyValue(const char* text, RyValueUnitType unit = RYUNIT_NONE);
+    /// A plain colour is an integer of the colour unit, any other a compound of that unit.
+    RyValue(const RyColor& color);
     /// An object, counted. A null pointer is allowed.
     RyValue(RyRCObject* object);
     /// A compound over a map, counted. With a null pointer the value is not compound.
@@ -103,6 +105,8 @@ public:
     /// An absolute length in points; of a compound that of its "length" entry or, when there is none, of its unnamed
     /// entry; else "auto".
     RyLength getLengthValue() const;
+    /// The colour of a colour value; a name value's keyword colour; of anything else the invalid colour.
+    RyColor getColorValue() const;
     /// The object of kinds 5 and 7, else null. Not owned.
     RyRCObject* getRCObject() const;
     /// The map of a compound, else null. Not owned.
@@ -184,6 +188,64 @@ public:
     UnicodeString toString() const;
     /// The same with strings quoted, so that parsing reads them back as strings.
     UnicodeString toValueText() const;
+    /// Values from property texts. None throws (but for lack of memory), none takes more than linear time. A text that
+    /// is not of the form becomes a string of unknown sort that holds the whole text unchanged.
+    ///
+    /// One token, white space around it allowed: a hexadecimal colour, a quoted string, a name or a number with an
+    /// optional sign ("12pt", "-3", "50%"). A name alone is interned; of any other text nothing is.
+    static RyValue parse(const UnicodeString& text);
+    /// The same for a quoted string or a name only.
+    static RyValue parseNonNumeric(const UnicodeString& text);
+    /// A colour: "#rgb", "#rrggbb", "rgb(r,g,b)" (0 to 255 or percentages) or "rgb-icc(...)"; a name or a number alone
+    /// comes back as it is. With `full` also "icc-color(...)", alone or after a keyword, a hexadecimal colour or
+    /// "rgb(...)". Both take, after the fallback r, g, b of "rgb-icc" (which is left out when "#" comes first):
+    ///   #CMYK, c, m, y, k
+    ///   #GRAYSCALE, gray
+    ///   #RGB, r, g, b: a plain colour
+    ///   #REGISTRATION [, tint [, c, m, y, k]]: the separation "All"
+    ///   [#SEPARATION or #SPOTCOLOR,] name [, tint [[, #CMYK], c, m, y, k]]: a separation
+    ///   name, 2 to 4 or 6 values: a colour of the ICC profile of that name
+    /// where a name is a word or a quoted string, and a component a number or a percentage, clamped to 0 to 1. Without a
+    /// fallback the sRGB value is computed from the components (of an ICC colour: of three as RGB, of four as CMYK, else
+    /// of the first as gray).
+    static RyValue parseColor(const UnicodeString& text, bool full);
+
+    /// References and parameters. Each gives a compound; what is malformed becomes an entry that is a string of unknown
+    /// sort: under its own name where only an argument is wrong, else as a part of the unnamed entry, which holds the
+    /// raw text of all such parts. Nothing is dropped; of parts that come twice the first counts.
+    ///
+    /// The view at a destination of PDF (ISO 32000-1, 12.3.2.2): a keyword in any case of letters and numbers in PDF's
+    /// order, separated by white space or a comma:
+    ///   fit, fitb; fith, fitbh: top; fitv, fitbv: left; fitr: left bottom right top; xyz: left top zoom;
+    ///   xyz-left: left zoom; xyz-top: top zoom; xyz-left-top: left top zoom
+    /// Arguments may be left out at the end, or be "null" or "auto". Entries: "type" (the keyword as a name) and one of
+    /// each argument's name.
+    static RyValue parseDestinationType(const UnicodeString& text);
+    /// The parameters for opening PDF files that follow "#" in a URI: name=value, joined by "&" or "#". Entries:
+    ///   page (integer), nameddest, search (literals), fdf (URI), pagemode (name: none, bookmarks, thumbs, layers or
+    ///   attachments), scrollbar, toolbar, statusbar, messages, navpanes (true or false, from 1 or 0);
+    ///   zoom {zoom, left, top}, view (as parseDestinationType gives it), viewrect {left, top, width, height} and
+    ///   highlight {left, right, top, bottom}: compounds of numbers
+    /// Percent-escapes are decoded. Other parameters are malformed parts.
+    static RyValue parsePDFOpenParameters(const UnicodeString& text);
+    /// A place in a workbook: "sheet!B2", "'my sheet'!A1:B2", "A1", or the pairs sheet=, cell= and range= joined by "&";
+    /// a leading "#" is skipped. Ranges may be of whole columns ("A:C") or rows ("2:5"). Entries, all literals: "sheet"
+    /// (without its quotes), "cell" or "range" (as written).
+    static RyValue parseExcelOpenParameters(const UnicodeString& text);
+    /// A destination in this document: "id", "#id", "url(#id)" or "#xpointer(id('x'))", then, after white space, an
+    /// optional view as in parseDestinationType, whose entries are added; or "#" and PDF's open parameters, where
+    /// `pageOffset` (the number of pages before this document's first) is added to "page". Entry of the id: "id", a
+    /// literal.
+    static RyValue parseInternalDestination(const UnicodeString& text, int pageOffset);
+    /// A link: a URI, bare or as "url(...)". Entries: "uri" (a URI string without the fragment; none for "#x"), and of
+    /// the fragment "id" (a literal) when it is a name or XPointer's xpointer(id('x')) of SVG 1.1, else "fragment" (a
+    /// literal of the raw text).
+    static RyValue parseXlinkHref(const UnicodeString& text);
+    /// Pairs name=value joined by "&", a leading "#" skipped: an entry of each name, a literal. `decodes` says whether
+    /// percent-escapes are decoded (as UTF-8). Parts without a "=" or a name are malformed, and so are all after the
+    /// first 256, so that no text fills the table of names.
+    static RyValue parseUriFragmentParameters(const UnicodeString& text, bool decodes);
+
     /// Text of a unit; empty for the units that have none.
     static const UnicodeString& getUnitString(RyValueUnitType unit);
 

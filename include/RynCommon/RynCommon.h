@@ -2,10 +2,12 @@
 #pragma once
 
 #include <RynCommon/MathMLName.h>
+#include <RynCommon/RyColor.h>
 #include <RynCommon/RyDMCStream.h>
 #include <RynCommon/RyDocument.h>
 #include <RynCommon/RyElement.h>
 #include <RynCommon/RyError.h>
+#include <RynCommon/RyLang.h>
 #include <RynCommon/RyLength.h>
 #include <RynCommon/RyLock.h>
 #include <RynCommon/RyName.h>
@@ -18,6 +20,7 @@
 #include <RynCommon/RySide.h>
 #include <RynCommon/RyString.h>
 #include <RynCommon/RyTextNode.h>
+#include <RynCommon/RyTokenizer.h>
 #include <RynCommon/RyUUID.h>
 #include <RynCommon/RyUri.h>
 #include <RynCommon/RyUtil.h>
@@ -27,3 +30,4 @@
 #include <RynCommon/RyXmlSerializer.h>
 #include <RynCommon/RyXmlUtil.h>
 #include <RynCommon/SVGName.h>
+#include <RynCommon/TransMatrix.h>

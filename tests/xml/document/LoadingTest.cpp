@@ -1,0 +1,267 @@
+// Loading: sources, targets, URIs, errors, overrides of the node classes.
+#include <sstream>
+
+#include "tests/xml/document/ScriptedParser.h"
+#include "tests/xml/parser/ParserFixture.h"
+#include "tests/xml/tree/TreeFixture.h"
+
+namespace {
+
+using namespace treetest;
+using RynCommon::RyXmlParser;
+
+TEST(RyDocumentLoading, TextsGiveTheTreesExpected) {
+    const struct {
+        const char* xml;
+        const char* expected;
+    } rows[] = {
+        {"<a/>", "a"},
+        {"\uFEFF<a/>", "a"},
+        {"<?xml version='1.0' encoding='Shift_JIS'?><a>\u65E5</a>", "a(\"\u65E5\")"},
+        {"<!--c--><?p?><a b='1' c='2'><!--c-->x<!--d-->y<![CDATA[<]]>&amp;</a><!--e-->",
+         "a[b=1,c=2](\"xy<&\")"},
+        {"<p:a xmlns:p='u' p:b=''><p:c/></p:a>", "p:a[xmlns:p=u,p:b=](p:c)"},
+        {"<a>\n <b/>\n</a>\n", "a(\"\n \",b,\"\n\")"},
+    };
+    for (const auto& row : rows) {
+        for (const bool pull : {false, true}) {
+            const RyPtr<RyDocument> document = new RyDocument;
+            document->setPullMode(pull);
+            document->loadXml(units(row.xml));
+            EXPECT_EQ(document->getLastLoadingNode(), pull ? document.get() : nullptr);
+            while (document->loadNextNode() != nullptr) EXPECT_TRUE(pull);
+            EXPECT_EQ(dump(document), row.expected) << row.xml;
+            EXPECT_EQ(brokenLinks(*document), "");
+            EXPECT_EQ(document->getLastLoadingNode(), nullptr);
+            for (RyNode* node = document; node != nullptr; node = node->getFirstChild())
+                EXPECT_EQ(node->isLoaded(), node->getNodeType() != RyNode::TEXT_NODE) << row.xml;
+            EXPECT_EQ(document->getRefCount(), 1);
+            EXPECT_EQ(document->getDocumentElement()->getRefCount(), 1);
+        }
+    }
+}
+
+TEST(RyDocumentLoading, ElementsKnowWhereTheyStood) {
+    const RyPtr<RyDocument> document = documentOf("<a>\n  <b\n c='1'>x</b></a>");
+    const RyNode* const b = document->getDocumentElement()->getFirstChild()->getNextSibling();
+    EXPECT_EQ(document->getDocumentElement()->getSourceLineNumber(), 1);
+    EXPECT_EQ(document->getDocumentElement()->getSourceColumnNumber(), 3);
+    EXPECT_EQ(b->getSourceLineNumber(), 3);
+    EXPECT_EQ(b->getSourceColumnNumber(), 7);
+    EXPECT_EQ(b->getFirstChild()->getSourceLineNumber(), -1);
+    EXPECT_EQ(document->createElement(name("n"))->getSourceColumnNumber(), -1);
+}
+
+TEST(RyDocumentLoading, TargetsAndUris) {
+    xmltest::Resources resources;
+    resources.files["http://x/d/a.xml"] =
+        "<!DOCTYPE a [<!ENTITY e SYSTEM 'e.ent'>]><a>&e;<old/></a>";
+    resources.files["http://x/d/e.ent"] = "near";
+    resources.files["http://x/base/e.ent"] = "far";
+    const RyPtr<RyDocument> document = new RyDocument;
+    document->load(units("http://x/d/a.xml"));
+    EXPECT_EQ(dump(document), "a(\"near\",old)");
+    EXPECT_EQ(utf8(document->getDocumentUri()), "http://x/d/a.xml");
+    EXPECT_EQ(utf8(document->getBaseUri()), "http://x/d/a.xml");
+    EXPECT_FALSE(document->isBaseUriSpecified());
+
+    RyElement* const root = document->getDocumentElement();
+    std::istringstream part("<!DOCTYPE b [<!ENTITY e SYSTEM 'e.ent'>]><b>&e;</b>");
+    document->load(part, root);
+    EXPECT_EQ(dump(document), "a(b(\"near\"))")
+        << "old children go, the document's URI is the base";
+    EXPECT_EQ(utf8(document->getDocumentUri()), "http://x/d/a.xml");
+    EXPECT_TRUE(root->isLoaded());
+
+    document->setBaseUri(units("http://x/base/"));
+    document->load(units("http://x/d/a.xml"), root->getFirstChild());
+    EXPECT_EQ(dump(document), "a(b(a(\"far\",old)))");
+    EXPECT_TRUE(document->isBaseUriSpecified());
+    document->setBaseUri(UnicodeString());
+    EXPECT_FALSE(document->isBaseUriSpecified());
+
+    std::istringstream whole("<c/>");
+    document->load(whole, document);
+    EXPECT_EQ(dump(document), "c");
+    EXPECT_EQ(utf8(document->getDocumentUri()), "");
+}
+
+TEST(RyDocumentLoading, ErrorsEndLoadingAndKeepTheTree) {
+    const struct {
+        const char* xml;
+        int code;
+        const char* kept;
+    } rows[] = {
+        {"<a><b>x</c></a>", 6150, "a(b(\"x\"))"},
+        {"<a><b/>", 6145, "a(b)"},
+        {"<a/><b/>", 6146, "a"},
+        {"<a><b c='&z;'/></a>", 7710 & ~0x0700, "a"},
+        {"", 4100, ""},
+    };
+    for (const auto& row : rows) {
+        for (const bool pull : {false, true}) {
+            SCOPED_TRACE(row.xml);
+            const RyPtr<RyDocument> document = new RyDocument;
+            document->setPullMode(pull);
+            const std::string error = errorOf([&] {
+                document->loadXml(units(row.xml));
+                document->getDescendantNodes();
+            });
+            EXPECT_EQ(error.substr(0, 4), std::to_string(row.code));
+            EXPECT_EQ(dump(document), row.kept);
+            EXPECT_EQ(document->getLastLoadingNode(), nullptr);
+            EXPECT_EQ(document->loadNextNode(), nullptr);
+            for (const RyNode* node = document; node != nullptr; node = node->getLastChild())
+                EXPECT_FALSE(node->isLoading());
+            EXPECT_FALSE(document->isLoaded());
+            document->loadXml(u"<again/>");
+            document->getDescendantNodes();
+            EXPECT_EQ(dump(document), "again");
+        }
+    }
+    const RyPtr<RyDocument> document = documentOf("<a/>");
+    EXPECT_EQ(errorOf([&] { document->load(units("http://nowhere/")); }).substr(0, 4), "4099");
+    EXPECT_EQ(document->getLastLoadingNode(), nullptr);
+    EXPECT_EQ(dump(document), "");
+}
+
+void countError(const RyError&, void* count) {
+    ++*static_cast<int*>(count);
+}
+
+TEST(RyDocumentLoading, CallbacksLetLoadingGoOn) {
+    const RyPtr<RyDocument> document = new RyDocument;
+    int errors = 0;
+    document->getParser()->setCallbackError(countError, &errors);
+    document->loadXml(u"<a><b>x</c><d/>");
+    EXPECT_EQ(dump(document), "a(b(\"x\"),d)");
+    EXPECT_EQ(errors, 2);
+    EXPECT_TRUE(document->isLoaded());
+    EXPECT_TRUE(document->getDocumentElement()->isLoaded());
+}
+
+TEST(RyDocumentLoading, EventsOutOfOrder) {
+    constexpr auto S = RyXmlParser::START_TAG, E = RyXmlParser::END_TAG, T = RyXmlParser::TEXT;
+    const struct {
+        std::vector<RyXmlParser::EventType> events;
+        const char* expected;
+        const char* error;
+    } rows[] = {
+        {{S, T, S, E, E}, "e1(\"t\",e2)", "none"},
+        {{S, E, E, S, E}, "e1", "none"},
+        {{S, S}, "e1(e2)", "none"},
+        {{S, RyXmlParser::COMMENT, T},
+         "e1",
+         "2059 RynCommon::RyDocument::loadNextNode: SYSTEM ERROR: Cannot set a value on node "
+         "type."},
+        {{S, RyXmlParser::DOCDECL},
+         "e1",
+         "2059 RynCommon::RyDocument::loadNextNode: SYSTEM ERROR: Cannot set a value on node "
+         "type."},
+    };
+    for (const auto& row : rows) {
+        const RyPtr<RyDocument> document = new RyDocument;
+        document->setParser(new ScriptedParser(row.events));
+        EXPECT_EQ(errorOf([&] { document->load(); }), row.error);
+        EXPECT_EQ(dump(document), row.expected);
+        EXPECT_EQ(document->getLastLoadingNode(), nullptr);
+    }
+}
+
+TEST(RyDocumentLoading, PresentInputGoesOnWhereTheParserStands) {
+    std::istringstream in("<a><b>x</b><c/></a>");
+    const RyPtr<RyDocument> document = new RyDocument;
+    RyXmlParser* const parser = document->getParser();
+    parser->setInput(in, UnicodeString(), UnicodeString());
+    parser->next();
+    ASSERT_EQ(parser->next(), RyXmlParser::START_TAG);
+    document->load();
+    EXPECT_EQ(dump(document), "b(\"x\"),c");
+}
+
+/// Elements that put some children elsewhere, or nowhere, and come back to the loader from within.
+class PickyElement : public RyElement {
+public:
+    PickyElement(RyDocument* document, RyName local)
+        : RyElement(document, RyName(), RyName(), local) {}
+
+    RyNode* appendChildEx(RyNode* child) override {
+        const std::string local = utf8(child->getLocalName().toString());
+        if (local == "drop") return nullptr;
+        if (local != "wrap") return appendChild(child);
+        const RyPtr<RyElement> around = getOwnerDocument()->createElement(name("around"));
+        around->setFlag(FLAG_COMPLEMENTAL, true);
+        appendChild(around);
+        return around->appendChild(child);
+    }
+    RyNode* appendChildText(const UnicodeString& text) override {
+        return text[0] != u' ' ? RyElement::appendChildText(text) : nullptr;
+    }
+    void finishAttributes() override {
+        RyDocument& document = *getOwnerDocument();
+        if (hasAttribute(name("nested"))) {
+            EXPECT_EQ(document.loadNextNode(), nullptr);
+            EXPECT_FALSE(document.hasChildNodes() && document.getLastChild()->getNextSibling());
+            EXPECT_EQ(errorOf([&] { document.loadXml(u"<x/>"); }).substr(0, 4), "2059");
+            EXPECT_EQ(errorOf([&] { document.load(); }).substr(0, 4), "2059");
+        }
+        if (hasAttribute(name("stop"))) document.abort();
+        if (hasAttribute(name("throw"))) throw std::runtime_error("picky");
+    }
+};
+
+class PickyDocument : public RyDocument {
+public:
+    using RyDocument::createElementNS;
+    RyPtr<RyElement> createElementNS(RyName, RyName, RyName local) override {
+        if (local == name("none")) return nullptr;
+        return new PickyElement(this, local);
+    }
+};
+
+TEST(RyDocumentLoading, OverridesDecideWhereNodesGo) {
+    const struct {
+        const char* xml;
+        const char* expected;
+    } rows[] = {
+        {"<r><drop><a/>x<drop/></drop><b/></r>", "r(b)"},
+        {"<r><a/><drop/><drop>x</drop></r>", "r(a)"},
+        {"<r><none><a/></none>x</r>", "r(\"x\")"},
+        {"<r><wrap><a/>x</wrap><b/></r>", "r(around(wrap(a,\"x\")),b)"},
+        {"<r><a>x</a> y <b/></r>", "r(a(\"x\"),b)"},
+        {"<r><a nested=''/>x</r>", "r(a[nested=],\"x\")"},
+        {"<r><a/><b stop=''>x</b><c/></r>", "r(a,b[stop=])"},
+    };
+    for (const auto& row : rows) {
+        for (const bool pull : {false, true}) {
+            const RyPtr<RyDocument> document = new PickyDocument;
+            document->setPullMode(pull);
+            document->loadXml(units(row.xml));
+            const int count = document->getDescendantNodes()->getLength();
+            EXPECT_EQ(dump(document), row.expected) << row.xml << " pull " << pull;
+            EXPECT_EQ(count, document->getDescendantNodes()->getLength()) << row.xml;
+            EXPECT_EQ(document->getLastLoadingNode(), nullptr);
+        }
+    }
+    const RyPtr<RyDocument> document = new PickyDocument;
+    EXPECT_THROW(document->loadXml(u"<r>x<b throw=''/></r>"), std::runtime_error);
+    EXPECT_EQ(dump(document), "r(\"x\")");
+    EXPECT_FALSE(document->getDocumentElement()->isLoading());
+}
+
+TEST(RyDocumentLoading, DocumentsThatDieWhileLoadingLeaveNothingBehind) {
+    RyPtr<RyElement> held;
+    {
+        const RyPtr<RyDocument> document = new RyDocument;
+        document->setPullMode(true);
+        document->loadXml(u"<a><b><c/></b></a>");
+        held = document->getDocumentElement();
+        EXPECT_EQ(dump(held->getFirstChild()), "b");
+        EXPECT_EQ(document->getRefCount(), 1);
+    }
+    EXPECT_EQ(held->getRefCount(), 1);
+    EXPECT_FALSE(held->isLoading());
+    EXPECT_EQ(dump(held), "a(b)");
+}
+
+}  // namespace

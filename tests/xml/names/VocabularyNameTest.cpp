@@ -1,0 +1,88 @@
+// MathMLName and SVGName: both directions, for every name.
+#include <gtest/gtest.h>
+
+#include <RynCommon/MathMLName.h>
+#include <RynCommon/RyNameTable.h>
+#include <RynCommon/RyValue.h>
+#include <RynCommon/SVGName.h>
+
+namespace RynCommon {
+namespace {
+
+struct Row {
+    int number;
+    const char16_t* text;
+};
+
+const Row MATHML_ROWS[] = {
+#define RYN_VOCABULARY_NAME(number, identifier, text) {number, u"" text},
+#include <RynCommon/MathMLNames.inc>
+#undef RYN_VOCABULARY_NAME
+};
+const Row SVG_ROWS[] = {
+#define RYN_VOCABULARY_NAME(number, identifier, text) {number, u"" text},
+#include <RynCommon/SVGNames.inc>
+#undef RYN_VOCABULARY_NAME
+};
+
+struct MathML {
+    using Name = MathMLName;
+    using Enum = MathMLNameEnum;
+    static std::vector<Row> rows() { return {std::begin(MATHML_ROWS), std::end(MATHML_ROWS)}; }
+    static constexpr std::size_t COUNT = 281;
+};
+struct SVG {
+    using Name = SVGName;
+    using Enum = SVGNameEnum;
+    static std::vector<Row> rows() { return {std::begin(SVG_ROWS), std::end(SVG_ROWS)}; }
+    static constexpr std::size_t COUNT = 341;
+};
+
+template <class Vocabulary>
+class VocabularyNameTest : public testing::Test {};
+using Vocabularies = testing::Types<MathML, SVG>;
+TYPED_TEST_SUITE(VocabularyNameTest, Vocabularies);
+
+TYPED_TEST(VocabularyNameTest, EveryNameBothWays) {
+    using Name = typename TypeParam::Name;
+    using Enum = typename TypeParam::Enum;
+    const auto rows = TypeParam::rows();
+    ASSERT_EQ(rows.size(), TypeParam::COUNT);
+    // The second round works on what the first left, the third starts anew.
+    for (int round = 0; round < 3; ++round) {
+        for (const Row& row : rows) {
+            const auto number = static_cast<Enum>(row.number);
+            const UnicodeString text(row.text);
+            EXPECT_EQ(Name::toRyName(number).toString(), text);
+            EXPECT_EQ(RyName(Name(number)), RyName(text));
+            EXPECT_EQ(Name(RyName(text)), number);
+            EXPECT_EQ(Name(RyValue(RyName(text))), number);
+            EXPECT_EQ(Name(RyValue(text)), Name(number));
+        }
+        if (round == 1) Name::cleanup();
+    }
+}
+
+TYPED_TEST(VocabularyNameTest, OutsideOfTheVocabulary) {
+    using Name = typename TypeParam::Name;
+    using Enum = typename TypeParam::Enum;
+    EXPECT_TRUE(Name().isEmpty());
+    EXPECT_TRUE(RyName(Name()).isEmpty());
+    for (const char16_t* text : {u"", u"no-such-name", u"zzz", u"A", u"!"})
+        EXPECT_TRUE(Name(RyName(UnicodeString(text))).isEmpty());
+    for (const int number : {-1, 0, static_cast<int>(TypeParam::COUNT) + 1})
+        EXPECT_TRUE(Name::toRyName(static_cast<Enum>(number)).isEmpty()) << number;
+    for (const RyValue& value : {RyValue(), RyValue(3), RyValue(u"zzz")})
+        EXPECT_TRUE(Name(value).isEmpty());
+}
+
+TEST(VocabularyNameTest, ConstantsNameTheirTexts) {
+    EXPECT_EQ(MathMLName(RyName(UnicodeString(u"annotation-xml"))), MATHML_annotation_xml);
+    EXPECT_EQ(MathMLName(RyName(UnicodeString(u"xlink:href"))), MATHML_xlink_href);
+    EXPECT_EQ(SVGName(RyName(UnicodeString(u"linearGradient"))), SVG_linearGradient);
+    EXPECT_EQ(SVGName(RyName(UnicodeString(u"font-face"))), SVG_font_face);
+    EXPECT_NE(SVGName(SVG_font_face), SVG_linearGradient);
+}
+
+}  // namespace
+}  // namespace RynCommon

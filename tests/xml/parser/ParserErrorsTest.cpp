@@ -1,0 +1,345 @@
+// Every error of the parser: code, message, position; and how reading goes on after a callback.
+#include "ParserFixture.h"
+
+using namespace xmltest;
+
+namespace {
+
+struct ErrorRow {
+    int code;
+    std::string input;
+    const char* message;
+    const char* position;  // the event and where it stands; a trailing "*" stands for any column
+};
+
+void expectErrors(const std::vector<ErrorRow>& rows) {
+    for (const ErrorRow& row : rows) {
+        for (const std::size_t chunk : {0, 1, 3}) {
+            const Outcome outcome = run(row.input, {.chunk = chunk});
+            EXPECT_EQ(outcome.code, row.code) << row.input << " after " << outcome.events;
+            EXPECT_EQ(outcome.source, "RynCommon::XmlParserImpl") << row.input;
+            std::string expected = std::string(row.message) + "\n" + row.position;
+            if (expected.back() != '*') {
+                EXPECT_EQ(outcome.message, expected + ".") << row.input;
+            } else {
+                expected.pop_back();
+                EXPECT_EQ(outcome.message.substr(0, expected.size()), expected) << row.input;
+            }
+        }
+    }
+}
+
+TEST(ParserErrors, Elements) {
+    expectErrors({
+        {6145, "<a>", "Missing end tag.", "END_DOCUMENT, Line 1, Col 3"},
+        {6145, "<a>\n<b></b>x", "Missing end tag.", "END_DOCUMENT, Line 2, Col 8"},
+        {6146, "<a/><b/>", "Only one top level element is allowed.", "START_TAG, Line 1, Col 6"},
+        {6148, "<1/>", "Invalid start tag name.", "START_TAG, Line 1, Col 2"},
+        {6148, "<a><></a>", "Invalid start tag name.", "START_TAG, Line 1, Col 5"},
+        {6149, "<a></>", "Invalid end tag name.", "END_TAG, Line 1, Col 6"},
+        {6149, "<a></1>", "Invalid end tag name.", "END_TAG, Line 1, Col 6"},
+        {6150, "<a></b>", "End tag 'b' does not match the start tag 'a'.",
+         "END_TAG, Line 1, Col 7"},
+        {6150, "<p:a xmlns:p='u'>\n</a>", "End tag 'a' does not match the start tag 'p:a'.",
+         "END_TAG, Line 2, Col 4"},
+        {6150, "<p:a xmlns:p='u'>\n</p:b>", "End tag 'p:b' does not match the start tag 'p:a'.",
+         "END_TAG, Line 2, Col 6"},
+        {6150, "<a/></b>", "End tag 'b' does not match the start tag ''.",
+         "END_TAG, Line 1, Col 8"},
+        {6151, "<p:a/>", "Undeclared namespace prefix: p", "START_TAG, Line 1, Col 6"},
+        {6151, "<a p:x='1'>", "Undeclared namespace prefix: p", "START_TAG, Line 1, Col 11"},
+        {6152, "<a x='1' x='2'/>", "Duplicate attribute: x", "START_TAG, Line 1, Col 16"},
+        {6152, "<a xmlns:p='u' xmlns:q='u' p:x='1' q:x='2'>", "Duplicate attribute: q:x",
+         "START_TAG, Line 1, Col 43"},
+        {6153, "<a 1='x'/>", "Invalid attribute name: 1", "START_TAG, Line 1, Col *"},
+        {6154, "<a x/>", "Missing '=' after attribute name.", "START_TAG, Line 1, Col 5"},
+        {6154, "<a x '1'/>", "Missing '=' after attribute name.", "START_TAG, Line 1, Col 6"},
+        {6155, "<a x='1'y='2'/>", "Missing whitespace between attributes.",
+         "START_TAG, Line 1, Col 9"},
+        {6156, "<a x='1'?/>", "Unexpected character: ?", "START_TAG, Line 1, Col 9"},
+        {6156, "<a/x>", "Unexpected character: x", "START_TAG, Line 1, Col 4"},
+        {6156, "<a></a x>", "Unexpected character: x", "END_TAG, Line 1, Col 8"},
+        {6157, "< a/>", "Unexpected whitespace after '<'.", "START_TAG, Line 1, Col 2"},
+        {6157, "<a/ >", "Unexpected whitespace after '/'.", "START_TAG, Line 1, Col 4"},
+        {6157, "<a></\na>", "Unexpected whitespace after '</'.", "END_TAG, Line 2, Col 0"},
+    });
+}
+
+TEST(ParserErrors, TextAndMarkup) {
+    expectErrors({
+        {6158, "<a/>x", "Unexpected text at top level of the document: U+0078 (x)",
+         "IGNORABLE_WHITESPACE, Line 1, Col 5"},
+        {6158, "<a/> \n \xF0\x9F\x98\x80",
+         "Unexpected text at top level of the document: U+1F600 (\xF0\x9F\x98\x80)",
+         "IGNORABLE_WHITESPACE, Line 2, Col 2"},
+        {6158, "<a/>&#65;", "Unexpected text at top level of the document: U+0041 (A)",
+         "ENTITY_REF, Line 1, Col 9"},
+        {6158, "&lt;<a/>", "Unexpected text at top level of the document: &lt;",
+         "ENTITY_REF, Line 1, Col 4"},
+        {6158, "<a/><![CDATA[x]]>", "Unexpected text at top level of the document: <![CDATA[",
+         "CDSECT, Line 1, Col 13"},
+        {6160, "<a>x]]>y</a>", "Unexpected ']]>'.", "TEXT, Line 1, Col 7"},
+        {6160, "<a>]]]></a>", "Unexpected ']]>'.", "TEXT, Line 1, Col 7"},
+        {6161, "<a><![CDATA[x]]",
+         "Unexpected end of input while looking for CDATA section terminator ']]>'.",
+         "CDSECT, Line 1, Col 15"},
+        {6162, "<a><!--x-", "Unexpected end of input while looking for comment terminator '-->'.",
+         "COMMENT, Line 1, Col 9"},
+        {6163, "<!--a--b--><a/>", "Unexpected character after -- in comment",
+         "COMMENT, Line 1, Col 8"},
+        {6163, "<!--a---><a/>", "Unexpected character after -- in comment",
+         "COMMENT, Line 1, Col 8"},
+        {6184, "<a><![CDAT[x]]></a>", "Invalid syntax in CDATA section.", "CDSECT, Line 1, Col *"},
+        {6184, "<a><![CDATA x]]></a>", "Invalid syntax in CDATA section.",
+         "CDSECT, Line 1, Col 12"},
+        {6185, "<!-x--><a/>", "Invalid syntax in comment.", "COMMENT, Line 1, Col 4"},
+        {6186, "<!FOO><a/>", "Unexpected '<!FOO'.", "START_DOCUMENT, Line 1, Col 6"},
+        {6187, "<a/><?XML x?>", "The name 'xml' must be lower case: <?XML",
+         "PROCESSING_INSTRUCTION, Line 1, Col 10"},
+        {6188, "<?p?><a/>", "Missing whitespace after PI target: <?p",
+         "PROCESSING_INSTRUCTION, Line 1, Col 4"},
+        {6189, "<?p x?", "Unexpected end of input while looking for PI terminator '?>'.",
+         "PROCESSING_INSTRUCTION, Line 1, Col 6"},
+        {6190, "<a x=1/>", "Missing quotation character (\" or ').", "START_TAG, Line 1, Col 6"},
+        {6191, "<a x=\"1", "Unexpected end of input while looking for literal terminator (\").",
+         "START_TAG, Line 1, Col 7"},
+        {6191, "<a x='1\"", "Unexpected end of input while looking for literal terminator (').",
+         "START_TAG, Line 1, Col 8"},
+        {6192, "<a x='<'/>", "Unexpected '<' in attribute value.", "START_TAG, Line 1, Col 7"},
+        {6196, "<a>\xEF\xBF\xBF</a>", "Invalid character.", "START_TAG, Line 1, Col 4"},
+    });
+}
+
+TEST(ParserErrors, References) {
+    const std::string prefix = "Invalid unicode character: ";
+    expectErrors({
+        {6171, "<a>&;</a>", "Empty entity name.", "ENTITY_REF, Line 1, Col 5"},
+        {6171, "<a x='&;'/>", "Empty entity name.", "START_TAG, Line 1, Col 8"},
+        {6172, "<a>&b c;</a>", "Invalid character in entity reference: &b ;",
+         "ENTITY_REF, Line 1, Col 6"},
+        {6172, "<a x='&b<'/>", "Invalid character in entity reference: &b<;",
+         "START_TAG, Line 1, Col 9"},
+        {6174, "<a>&e;</a>", "Reference to undefined entity: &e;", "ENTITY_REF, Line 1, Col 6"},
+        {6174, "<a x='&e;'/>", "Reference to undefined entity: &e;", "START_TAG, Line 1, Col 9"},
+        {6193, "<a>&#65 ;</a>", "Unexpected whitespace in character reference: &#65;",
+         "ENTITY_REF, Line 1, Col 8"},
+        {6193, "<a x='&#x\n;'/>", "Unexpected whitespace in character reference: &#x;",
+         "START_TAG, Line 2, Col 0"},
+        {6194, "<a>&#;</a>", "Invalid character in character reference: &#;",
+         "ENTITY_REF, Line 1, Col 6"},
+        {6194, "<a>&#6a;</a>", "Invalid character in character reference: &#6;",
+         "ENTITY_REF, Line 1, Col 7"},
+        {6194, "<a>&#xg;</a>", "Invalid character in character reference: &#x;",
+         "ENTITY_REF, Line 1, Col 7"},
+        {6194, "<a>&#X41;</a>", "Invalid character in character reference: &#;",
+         "ENTITY_REF, Line 1, Col 6"},
+        {6194, "<a x='&#65", "Invalid character in character reference: &#65;",
+         "START_TAG, Line 1, Col 10"},
+        {6195, "<a>&#x110000;</a>", "Invalid unicode character: &#x110000;",
+         "ENTITY_REF, Line 1, Col 13"},
+        {6195, "<a x='&#0;'/>", "Invalid unicode character: &#0;", "START_TAG, Line 1, Col 10"},
+    });
+}
+
+TEST(ParserErrors, Declaration) {
+    const std::string head = "<?xml version=\"1.0\"";  // 19 characters
+    const char* early = "START_DOCUMENT, Line 1, Col *";
+    expectErrors({
+        {6177, "<a/><?xml version='1.0'?>", "Unexpected XML declaration.",
+         "PROCESSING_INSTRUCTION, Line 1, Col *"},
+        {6177, " <?xml version='1.0'?><a/>", "Unexpected XML declaration.",
+         "PROCESSING_INSTRUCTION, Line 1, Col *"},
+        {6178, "<?xml encoding='UTF-8'?><a/>",
+         "Missing 'version=' after '<?xml ' in XML declaration.", early},
+        {6178, "<?xml ?><a/>", "Missing 'version=' after '<?xml ' in XML declaration.", early},
+        {6179, "<?xml version'1.0'?><a/>", "Missing '=' after '<?xml version' in XML declaration.",
+         "START_DOCUMENT, Line 1, Col 14"},
+        {6179, head + " encoding'UTF-8'?><a/>", "Missing '=' after 'encoding' in XML declaration.",
+         "START_DOCUMENT, Line 1, Col 29"},
+        {6179, head + " standalone'yes'?><a/>",
+         "Missing '=' after 'standalone' in XML declaration.", "START_DOCUMENT, Line 1, Col 31"},
+        {6180, "<?xml?><a/>", "Missing whitespace after '<?xml' in XML declaration.",
+         "START_DOCUMENT, Line 1, Col 6"},
+        {6181, head + "encoding='UTF-8'?><a/>",
+         "Missing whitespace before 'encoding=' in XML declaration.", early},
+        {6181, head + " encoding='UTF-8'standalone='yes'?><a/>",
+         "Missing whitespace before 'standalone=' in XML declaration.", early},
+        {6182, "<?xml version='2.0'?><a/>", "Unsupported XML version: 2.0",
+         "START_DOCUMENT, Line 1, Col 19"},
+        {6183, head + " standalone='Yes'?><a/>",
+         "Invalid standalone declaration in XML declaration.", "START_DOCUMENT, Line 1, Col 36"},
+        {6156, head + "!?><a/>", "Unexpected character: !", "START_DOCUMENT, Line 1, Col 20"},
+        {6156, head + "?x><a/>", "Unexpected character: x", "START_DOCUMENT, Line 1, Col 21"},
+        {6190, "<?xml version=1.0?><a/>", "Missing quotation character (\" or ').",
+         "START_DOCUMENT, Line 1, Col 15"},
+        {6191, "<?xml version='1.0",
+         "Unexpected end of input while looking for literal terminator (').",
+         "START_DOCUMENT, Line 1, Col 18"},
+        {6197, head + " encoding='x-nope'?><a/>", "Unknown or unsupported encoding: x-nope.",
+         early},
+        {6201, "\xEF\xBB\xBF" + head + " encoding='UTF-16'?><a/>", "Conflict encoding: UTF-16.",
+         early},
+    });
+}
+
+TEST(ParserErrors, DocumentType) {
+    const std::string head = "<!DOCTYPE a [";  // 13 characters
+    const char* there = "DOCDECL, Line 1, Col *";
+    expectErrors({
+        {6147, "<!DOCTYPE 1><a/>", "Invalid root tag name after '<!DOCTYPE'.",
+         "DOCDECL, Line 1, Col 11"},
+        {6159, head + "<![FOO[ ]]>]><a/>", "Unexpected '<![FOO'.", there},
+        {6164, "<a/><!DOCTYPE a>", "Unexpected DOCTYPE declaration outside of prolog.", there},
+        {6164, "<a><!DOCTYPE a></a>", "Unexpected DOCTYPE declaration outside of prolog.", there},
+        {6165, "<!DOCTYPE a><!DOCTYPE a><a/>", "Cannot have multiple DOCTYPE declarations.", there},
+        {6166, "<!DOCTYPE>", "Missing whitespace after '<!DOCTYPE'.", "DOCDECL, Line 1, Col 10"},
+        {6167, "<!DOCTYPE a FOO><a/>", "ExternalID is expected after '<!DOCTYPE a'.", there},
+        {6167, head + "<!ENTITY e FOO>]><a/>", "ExternalID is expected after '<!ENTITY e'.", there},
+        {6168, "<!DOCTYPE a PUBLIC><a/>", "PubidLiteral is expected after 'PUBLIC'.", there},
+        {6168, "<!DOCTYPE a PUBLIC'p' 's'><a/>", "PubidLiteral is expected after 'PUBLIC'.", there},
+        {6168, head + "<!ENTITY e PUBLIC p>]><a/>", "PubidLiteral is expected after 'PUBLIC'.",
+         there},
+        {6169, "<!DOCTYPE a SYSTEM><a/>", "SystemLiteral is expected after 'SYSTEM'.", there},
+        {6169, "<!DOCTYPE a SYSTEM's'><a/>", "SystemLiteral is expected after 'SYSTEM'.", there},
+        {6169, "<!DOCTYPE a PUBLIC 'p'><a/>", "SystemLiteral is expected after 'PUBLIC'.", there},
+        {6169, head + "<!ENTITY e SYSTEM s>]><a/>", "SystemLiteral is expected after 'SYSTEM'.",
+         there},
+        {6170, head, "Unexpected end of input in DOCTYPE declaration.", "DOCDECL, Line 1, Col 13"},
+        {6170, head + "<!ENTITY e 'v'", "Unexpected end of input in ENTITY declaration.",
+         "DOCDECL, Line 1, Col 27"},
+        {6171, head + "%;]><a/>", "Empty entity name.", "DOCDECL, Line 1, Col 15"},
+        {6173, head + "%p;]><a/>", "Reference to undefined entity: %p;", "DOCDECL, Line 1, Col 16"},
+        {6175, head + "<!ENTITY 'v'>]><a/>", "Entity name is expected after '<!ENTITY'.",
+         "DOCDECL, Line 1, Col 23"},
+        {6175, head + "<!ENTITY % 'v'>]><a/>", "Entity name is expected after '<!ENTITY %'.",
+         "DOCDECL, Line 1, Col 25"},
+        {6176, head + "<!ENTITY e SYSTEM 's' FOO n>]><a/>", "NDATA is expected after '<!ENTITY e'.",
+         there},
+        {6191, "<!DOCTYPE a SYSTEM 's><a/>",
+         "Unexpected end of input while looking for literal terminator (').",
+         "DOCDECL, Line 1, Col 26"},
+    });
+}
+
+TEST(ParserErrors, PositionNamesTheInputOrElseItsBase) {
+    Resources resources;
+    const std::string bytes = "<a>\n</b>";
+    resources.files["http://t.example/errors.xml"] = bytes;
+    const std::string text = "End tag 'b' does not match the start tag 'a'.\nEND_TAG, '";
+    const struct {
+        const char* base;
+        const char* uri;
+        const char* shown;
+    } rows[] = {
+        {"http://b.example/", "", "http://b.example/"},
+        {"", "http://t.example/errors.xml", "http://t.example/errors.xml"},
+        {"http://b.example/", "http://t.example/errors.xml", "http://t.example/errors.xml"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(run(bytes, {.base = row.base, .uri = row.uri}).message,
+                  text + row.shown + "', Line 2, Col 4.");
+    }
+}
+
+TEST(ParserErrors, ThrownErrorCarriesItsPositionInTheMessageOnly) {
+    const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
+    ChunkBuf buffer("<a>&e;</a>", 100);
+    std::istream in(&buffer);
+    parser->setInput(in, UnicodeString(), fromUtf8("http://b.example/"));
+    parser->next();
+    const RyError error = errorOf([&] { parser->next(); });
+    EXPECT_EQ(error.getErrorCode(), 6174);
+    EXPECT_EQ(error.getErrorCategory(), RynCommon::RYERROR_XML);
+    EXPECT_EQ(error.getLineNumber(), -1);
+    EXPECT_EQ(error.getColumnNumber(), -1);
+    EXPECT_TRUE(error.getUri().isEmpty());
+}
+
+TEST(ParserErrors, CallbackGetsTheFullCodeAndTheBareMessage) {
+    const std::vector<std::pair<std::string, std::vector<std::string>>> rows = {
+        {"<a>&e;</a>", {"Reference to undefined entity: &e;"}},
+        {"<!DOCTYPE a [%p;]><a></b>",
+         {"Reference to undefined entity: %p;", "End tag 'b' does not match the start tag 'a'."}},
+    };
+    EXPECT_EQ(run(rows[0].first, {.callback = true}).codes, "7710");
+    EXPECT_EQ(run(rows[1].first, {.callback = true}).codes, "7709 6150");
+    for (const auto& [input, messages] : rows) {
+        EXPECT_EQ(run(input, {.callback = true}).reported, messages) << input;
+    }
+}
+
+TEST(ParserErrors, CallbackMayThrowAndMayBeTakenAway) {
+    const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
+    parser->setCallbackError([](const RyError&, void* user) { throw static_cast<int*>(user); },
+                             nullptr);
+    ChunkBuf first("<a>&e;</a>", 100);
+    std::istream firstIn(&first);
+    parser->setInput(firstIn, UnicodeString(), UnicodeString());
+    parser->next();
+    EXPECT_THROW(parser->next(), int*);
+    parser->setCallbackError(nullptr, nullptr);
+    ChunkBuf second("<a>&e;</a>", 100);
+    std::istream secondIn(&second);
+    parser->setInput(secondIn, UnicodeString(), UnicodeString());
+    parser->next();
+    EXPECT_EQ(errorOf([&] { parser->next(); }).getErrorCode(), 6174);
+}
+
+TEST(ParserErrors, ReadingGoesOnAfterTheCallback) {
+    expectRows(
+        {
+            {"<a>", "6145 | S(a) ."},
+            {"<a><b>x", "6145 | S(a) S(b) T(x) ."},
+            {"<a></b>", "6150 | S(a) E(a) ."},
+            {"<a><b></a>", "6150 6145 | S(a) S(b) E(b) ."},
+            {"<a><b></c></a>", "6150 | S(a) S(b) E(b) E(a) ."},
+            {"<a/></b>", "6150 | S(a) E(a) ."},
+            {"</b></c><a/>", "6150 6150 | S(a) E(a) ."},
+            {"<a/><b>x</b>", "6146 | S(a) E(a) S(b) T(x) E(b) ."},
+            {"<p:a q:x='1'/>", "6151 6151 | S(p:a q:x=1) E(p:a) ."},
+            {"<a x='1' x='2'/>", "6152 | S(a x=1 x=2) E(a) ."},
+            {"<a x='1'y='2'/>", "6155 | S(a x=1 y=2) E(a) ."},
+            {"< a/>", "6157 | S(a) E(a) ."},
+            {"<a/ >", "6157 | S(a) E(a) ."},
+            {"<a></ a>", "6157 | S(a) E(a) ."},
+            {"<a>x]]>y</a>", "6160 | S(a) T(x]]>y) E(a) ."},
+            {"<a>x<![CDATA[y", "6161 6145 | S(a) T(xy) ."},
+            {"<a>x<!--y", "6162 6145 | S(a) T(x) ."},
+            {"<a>x<?y z", "6189 6145 | S(a) T(x) ."},
+            {"<!DOCTYPE a><!DOCTYPE b><a/>", "6165 | S(a) E(a) ."},
+            {"<a>x&e;y</a>", "7710 | S(a) T(xy) E(a) ."},
+            {"<a x='1&e;2'/>", "7710 | S(a x=12) E(a) ."},
+            {"<!DOCTYPE a [%p; <!ENTITY e 'v'>]><a>&e;</a>", "7709 | S(a) T(v) E(a) ."},
+            {"<?xml version='2.0'?><a/>", "6182 | S(a) E(a) ."},
+            {"<?xml version='1.0' standalone='x'?><a/>", "6183 | S(a) E(a) ."},
+            {"<?xml version='1.0' encoding='x-nope'?><a>\xC3\xA9</a>",
+             "6197 | S(a) T(\\u{E9}) E(a) ."},
+            {"x<a/>yz&#65;&lt;<![CDATA[<b/>]]>\n", "6158 6158 6158 6158 6158 6158 | S(a) E(a) ."},
+            {"<a/><?xml version='1.0'?>", "6177 | S(a) E(a) ."},
+            {"<a>x\xEF\xBF\xBFy</a>", "6196 | S(a) T(xy) E(a) ."},
+            {"<a <b/></a>", "6156 | S(a) S(b) E(b) E(a) ."},
+            {"<a x></a>", "6154 | S(a) E(a) ."},
+            {"<a x=></a>", "6190 | S(a) E(a) ."},
+            {"<a x='<b'/>", "6192 | S(a x=<b) E(a) ."},
+            {"<a>&#0;x&b c;</a>", "6195 6172 | S(a) T(x c;) E(a) ."},
+            {"<?XML x?><?p?><a/>", "6187 6188 | S(a) E(a) ."},
+            {"<!DOCTYPE a FOO><a/>", "6167 | S(a) E(a) ."},
+            {"<!DOCTYPE a [<!FOO x><!ENTITY e><!ENTITY f 'v'>]><a>&f;</a>",
+             "6186 6167 | S(a) T(v) E(a) ."},
+            {"<a b='1'<c/></a>", "6156 | S(a b=1) S(c) E(c) E(a) ."},
+            {"<a b='1'", "6156 6145 | S(a b=1) ."},
+            {"<a><b></b", "6156 6145 | S(a) S(b) E(b) ."},
+        },
+        {.callback = true});
+    expectRows(
+        {
+            {"<a><!--x--y--></a>", "6163 | S(a) K(x--y) E(a) ."},
+            {"<a><!--x---></a>", "6163 | S(a) K(x-) E(a) ."},
+            {"<a><!--x", "6162 6145 | S(a) K(x) ."},
+            {"<a><![CDATA[x]", "6161 6145 | S(a) C(x]) ."},
+            {"<?p x", "6189 | P(p x) ."},
+        },
+        {.tokens = true, .callback = true});
+}
+
+}  // namespace

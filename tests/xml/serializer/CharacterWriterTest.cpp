@@ -1,0 +1,114 @@
+// The encoding loops against plain ones, for every unit and every combination of escapes.
+#include "xml/serializer/CharacterWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <unicode/ucnv.h>
+
+#include <sstream>
+#include <string>
+
+namespace RynCommon {
+namespace {
+
+// One writer for many runs, so that its tables are made once.
+class Written {
+public:
+    explicit Written(bool shiftJis) { writer_.setShiftJis(shiftJis); }
+
+    std::string operator()(const UnicodeString& text, unsigned escapes) {
+        out_.str({});
+        writer_.open(&out_);
+        writer_.write(text, escapes);
+        writer_.drain();
+        return out_.str();
+    }
+
+private:
+    std::ostringstream out_;
+    CharacterWriter writer_;
+};
+
+std::string reference(unsigned number) {
+    return "&#" + std::to_string(number) + ";";
+}
+
+// The rules for ASCII, one after the other.
+std::string expectedAscii(char16_t unit, unsigned escapes) {
+    if (escapes != 0) {
+        if (unit == u'&') return "&amp;";
+        if (unit == u'<') return "&lt;";
+        if (unit == u'>') return "&gt;";
+        if (unit == u'"' && (escapes & ESCAPE_QUOTE) != 0) return "&quot;";
+        if (unit == u'\'' && (escapes & ESCAPE_APOSTROPHE) != 0) return reference(unit);
+        if (unit < 0x20 && (escapes & ESCAPE_CONTROLS) != 0) return reference(unit);
+        if (unit == u'\r' && (escapes & ESCAPE_LINE_ENDS) != 0) return reference(unit);
+    }
+    if (unit < 0x20 && unit != u'\t' && unit != u'\n' && unit != u'\r') return "";
+    return std::string(1, static_cast<char>(unit));
+}
+
+TEST(CharacterWriterTest, EveryAsciiUnitUnderEveryCombination) {
+    Written written(false);
+    for (unsigned escapes = 0; escapes < 32; ++escapes) {
+        for (char16_t unit = 0; unit < 128; ++unit) {
+            const std::string expected = expectedAscii(unit, escapes);
+            // Alone, and at each place of a group of eight.
+            EXPECT_EQ(written(UnicodeString(unit), escapes), expected) << escapes;
+            for (int place = 0; place < 8; ++place) {
+                UnicodeString text(u"abcdefgh");
+                text.setCharAt(place, unit);
+                std::string whole = "abcdefgh";
+                whole.replace(static_cast<std::size_t>(place), 1, expected);
+                ASSERT_EQ(written(text, escapes), whole) << escapes << " " << int{unit};
+            }
+        }
+    }
+}
+
+TEST(CharacterWriterTest, EveryCharacterInUtf8IsAsIcuWritesIt) {
+    Written written(false);
+    UnicodeString text;
+    for (UChar32 c = 0x80; c <= 0x10FFFF; ++c) {
+        if (U_IS_SURROGATE(c)) continue;
+        text.append(c);
+        if (text.length() < 4096 && c != 0x10FFFF) continue;
+        std::string expected;
+        text.toUTF8String(expected);
+        ASSERT_EQ(written(text, ESCAPE_MARKUP), expected) << std::hex << c;
+        text.remove();
+    }
+    EXPECT_EQ(written(u"\u0085\u2028\r", ESCAPE_LINE_ENDS), "&#133;&#8232;&#13;");
+}
+
+// What is written decodes to the unit again, or is a reference to it.
+TEST(CharacterWriterTest, EveryUnitInShiftJisIsReadBack) {
+    Written written(true);
+    UErrorCode status = U_ZERO_ERROR;
+    UConverter* const converter = ucnv_open("cp932", &status);
+    ASSERT_TRUE(U_SUCCESS(status));
+    int mapped = 0;
+    for (unsigned unit = 0x80; unit < 0x10000; ++unit) {
+        const UnicodeString text(static_cast<char16_t>(unit));
+        const std::string bytes = written(text, ESCAPE_NONE);
+        if (bytes == reference(unit)) continue;
+        ++mapped;
+        const UnicodeString back(bytes.data(), static_cast<std::int32_t>(bytes.size()), converter,
+                                 status);
+        ASSERT_EQ(back, text) << std::hex << unit;
+    }
+    ucnv_close(converter);
+    EXPECT_GT(mapped, 7000);
+}
+
+TEST(CharacterWriterTest, CanEncode) {
+    CharacterWriter writer;
+    EXPECT_TRUE(writer.canEncode(u"\u00E9"));
+    writer.setShiftJis(true);
+    EXPECT_TRUE(writer.canEncode(u"a\u65E5"));
+    EXPECT_FALSE(writer.canEncode(u"a\u00E9"));
+    EXPECT_FALSE(writer.canEncode(u"\U0001F600"));
+}
+
+}  // namespace
+}  // namespace RynCommon

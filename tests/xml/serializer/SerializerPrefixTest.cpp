@@ -1,0 +1,244 @@
+// Which prefixes the serializer writes and declares.
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/xml/serializer/SerializerScript.h"
+
+namespace RynCommon {
+namespace {
+
+// Replaces each generated prefix by "-N*", checking that it is one.
+std::string withoutNumbers(std::string text) {
+    for (std::size_t at = 0; (at = text.find("-N", at)) != std::string::npos; at += 3) {
+        const std::size_t end = text.find_first_not_of("0123456789", at + 2);
+        EXPECT_GT(end, at + 2) << text;
+        EXPECT_GT(std::stoi(text.substr(at + 2, end - at - 2)), RYNAME_BUILTIN_LAST) << text;
+        text.replace(at + 2, end - at - 2, "*");
+    }
+    return text;
+}
+
+TEST(SerializerPrefixTest, TagsAndPrefixes) {
+    const RyName xmlns = RN_xmlns, xmlnsNs = RN_NS_xmlns;
+    const std::vector<Case> cases = {
+        {"empty element",
+         [](auto& s) {
+             s.startTag(NONE, NONE, A, false);
+             s.endTag(NONE, A);
+         },
+         "<a/>"},
+        {"two levels",
+         [](auto& s) {
+             s.startTag(NONE, NONE, A, false);
+             s.startTag(NONE, NONE, B, false);
+             s.endTag(NONE, B);
+             s.text(u"x");
+             s.endTag(NONE, A);
+         },
+         "<a><b/>x</a>"},
+        {"declared after the attributes, not again below",
+         [](auto& s) {
+             s.startTag(NS1, P, A, false);
+             s.attribute(NONE, B, u"1");
+             s.startTag(NS1, P, B, false);
+             s.attribute(NS1, P, A, u"2");
+             s.endTag(NS1, B);
+             s.endTag(NS1, A);
+         },
+         "<p:a b=\"1\" xmlns:p=\"urn:1\"><p:b p:a=\"2\"/></p:a>"},
+        {"default namespace, taken away below and back again",
+         [](auto& s) {
+             s.startTag(NS1, NONE, A, false);
+             s.startTag(NONE, NONE, B, false);
+             s.startTag(NS1, NONE, A, false);
+             s.endTag(NS1, A);
+             s.endTag(NONE, B);
+             s.startTag(NS1, NONE, B, false);
+         },
+         "<a xmlns=\"urn:1\"><b xmlns=\"\"><a xmlns=\"urn:1\"/></b><b>"},
+        {"a prefix bound to another namespace below",
+         [](auto& s) {
+             s.startTag(NS1, P, A, false);
+             s.startTag(NS2, P, A, false);
+             s.endTag(NS2, A);
+             s.startTag(NS1, P, B, false);
+         },
+         "<p:a xmlns:p=\"urn:1\"><p:a xmlns:p=\"urn:2\"/><p:b>"},
+        {"generated for an element",
+         [](auto& s) {
+             s.startTag(NS1, P, A, true);
+             s.startTag(NS1, Q, B, true);
+         },
+         "<-N*:a xmlns:-N*=\"urn:1\"><-N*:b>"},
+        {"taken over by an element",
+         [](auto& s) {
+             s.setPrefix(P, NS1);
+             s.setPrefix(NONE, NS2);
+             s.startTag(NS1, NONE, A, true);
+             s.startTag(NS2, P, B, true);
+         },
+         "<p:a xmlns:p=\"urn:1\" xmlns=\"urn:2\"><b>"},
+        {"a default serves no attribute",
+         [](auto& s) {
+             s.startTag(NS1, NONE, A, false);
+             s.attribute(NS1, B, u"1");
+             s.attribute(NS1, NONE, P, u"2");
+         },
+         "<a -N*:b=\"1\" -N*:p=\"2\" xmlns=\"urn:1\" xmlns:-N*=\"urn:1\">"},
+        {"an attribute takes the prefix in force",
+         [](auto& s) {
+             s.startTag(NS1, P, A, false);
+             s.attribute(NS1, B, u"1");
+             s.attribute(NS1, Q, P, u"2");
+         },
+         "<p:a p:b=\"1\" q:p=\"2\" xmlns:p=\"urn:1\" xmlns:q=\"urn:1\">"},
+        {"the first name keeps the prefix",
+         [](auto& s) {
+             s.startTag(NS1, P, A, false);
+             s.attribute(NS2, P, B, u"1");
+             s.attribute(NS2, P, A, u"2");
+         },
+         "<p:a -N*:b=\"1\" -N*:a=\"2\" xmlns:p=\"urn:1\" xmlns:-N*=\"urn:2\">"},
+        {"an inherited prefix in use is not bound anew",
+         [](auto& s) {
+             s.startTag(NS1, P, A, false);
+             s.startTag(NS1, P, B, false);
+             s.attribute(NS2, P, B, u"1");
+         },
+         "<p:a xmlns:p=\"urn:1\"><p:b -N*:b=\"1\" xmlns:-N*=\"urn:2\">"},
+        {"a declaration gives way to a name",
+         [=](auto& s) {
+             s.startTag(NONE, NONE, A, false);
+             s.attribute(xmlnsNs, xmlns, P, u"urn:1");
+             s.attribute(NS2, P, B, u"1");
+         },
+         "<a p:b=\"1\" xmlns:p=\"urn:2\" xmlns:-N*=\"urn:1\">"},
+        {"and comes too late after one",
+         [=](auto& s) {
+             s.startTag(NS1, P, A, false);
+             s.attribute(xmlnsNs, xmlns, P, u"urn:2");
+         },
+         "<p:a xmlns:p=\"urn:1\" xmlns:-N*=\"urn:2\">"},
+        {"setPrefix gives way, too",
+         [](auto& s) {
+             s.setPrefix(P, NS1);
+             s.startTag(NS2, P, A, false);
+         },
+         "<p:a xmlns:p=\"urn:2\" xmlns:-N*=\"urn:1\">"},
+        {"setPrefix twice",
+         [](auto& s) {
+             s.setPrefix(P, NS1);
+             s.setPrefix(P, NS2);
+             s.setPrefix(P, NS1);
+             s.startTag(NONE, NONE, A, false);
+         },
+         "<a xmlns:p=\"urn:1\" xmlns:-N*=\"urn:2\">"},
+        {"setPrefix closes a pending tag; nothing in force is declared again",
+         [](auto& s) {
+             s.startTag(NS1, P, A, false);
+             s.setPrefix(P, NS1);
+             s.setPrefix(Q, NS2);
+             s.text(u"x");
+             s.startTag(NS2, Q, B, false);
+             s.endTag(NS2, B);
+             s.setPrefix(Q, NS2);
+             s.endTag(NS1, A);
+         },
+         "<p:a xmlns:p=\"urn:1\">x<q:b xmlns:q=\"urn:2\"/></p:a>"},
+        {"explicit declarations are always written, in order",
+         [=](auto& s) {
+             s.startTag(NS1, P, A, false);
+             s.startTag(NS1, P, B, false);
+             s.attribute(xmlnsNs, xmlns, Q, u"u&\"");
+             s.attribute(NONE, NONE, xmlns, u"urn:2");
+             s.attribute(NONE, xmlns, P, u"urn:1");
+         },
+         "<p:a xmlns:p=\"urn:1\"><p:b xmlns:q=\"u&amp;&quot;\" xmlns=\"urn:2\" xmlns:p=\"urn:1\">"},
+        {"a default on an element without a namespace",
+         [=](auto& s) {
+             s.startTag(NONE, NONE, A, false);
+             s.attribute(NONE, xmlns, u"urn:1");
+             s.startTag(NONE, NONE, B, false);
+             s.attribute(NONE, xmlns, u"urn:1");
+         },
+         "<a xmlns=\"urn:1\"><b xmlns=\"\" xmlns:-N*=\"urn:1\">"},
+        {"xml is never declared",
+         [=](auto& s) {
+             s.startTag(NONE, NONE, A, false);
+             s.attribute(RN_NS_xml, RN_lang, u"de");
+             s.attribute(RN_NS_xml, Q, name(u"space"), u"preserve");
+             s.attribute(xmlnsNs, xmlns, RN_xml, u"urn:1");
+             s.attribute(NS1, RN_xml, A, u"1");
+         },
+         "<a xml:lang=\"de\" xml:space=\"preserve\" -N*:a=\"1\" xmlns:-N*=\"urn:1\">"},
+        {"a prefix without a namespace is written",
+         [](auto& s) {
+             s.startTag(NONE, P, A, false);
+             s.attribute(NONE, Q, B, u"1");
+         },
+         "<p:a q:b=\"1\">"},
+    };
+    for (const Case& row : cases)
+        EXPECT_EQ(withoutNumbers(written(row.script, u"UTF-8")), row.expected) << row.what;
+}
+
+TEST(SerializerPrefixTest, PrefixQueries) {
+    std::ostringstream out;
+    const RyPtr<RyXmlSerializer> s = makeSerializer();
+    s->setOutput(&out, UnicodeString());
+    EXPECT_EQ(s->getPrefix(RN_NS_xml, false), RN_xml);
+    s->startTag(NS1, P, A, false);
+    s->startTag(NS1, Q, B, false);
+    EXPECT_EQ(s->getPrefix(NS1, false), Q) << "the latest wins";
+    s->startTag(NS2, Q, B, false);
+    EXPECT_EQ(s->getPrefix(NS1, false), P) << "q is hidden";
+    EXPECT_EQ(s->getPrefix(name(u"urn:3"), false), NONE);
+    const RyName made = s->getPrefix(name(u"urn:3"), true);
+    EXPECT_EQ(s->getPrefix(name(u"urn:3"), true), made);
+    s->text(UnicodeString());
+    const RyName next = s->getPrefix(name(u"urn:4"), true);
+    s->startTag(name(u"urn:4"), NONE, A, true);
+    EXPECT_EQ(s->getDepth(), 4);
+    s->endTag(name(u"urn:4"), A);
+    s->endTag(NS2, B);
+    EXPECT_EQ(s->getPrefix(NS1, false), Q) << "q is back";
+    EXPECT_EQ(s->getPrefix(name(u"urn:3"), false), NONE);
+    EXPECT_EQ(s->getNamespace(), NS1);
+    EXPECT_EQ(s->getName(), B);
+    s->endDocument();
+    EXPECT_EQ(s->getDepth(), 0);
+    EXPECT_EQ(s->getName(), NONE);
+    UnicodeString expected(
+        u"<p:a xmlns:p=\"urn:1\"><q:b xmlns:q=\"urn:1\"><q:b xmlns:q=\"urn:2\" xmlns:");
+    expected += made.toString() + u"=\"urn:3\"><" + next.toString() + u":a xmlns:" +
+                next.toString() + u"=\"urn:4\"/></q:b></q:b></p:a>";
+    EXPECT_EQ(UnicodeString::fromUTF8(out.str()), expected);
+}
+
+TEST(SerializerPrefixTest, ManyDeclarations) {
+    constexpr int COUNT = 60000;
+    std::ostringstream out;
+    const RyPtr<RyXmlSerializer> s = makeSerializer();
+    s->setOutput(&out, UnicodeString());
+    std::vector<std::pair<RyName, RyName>> bindings;
+    for (int i = 0; i < COUNT; ++i) {
+        const UnicodeString number = UnicodeString::fromUTF8(std::to_string(i));
+        bindings.emplace_back(u"p" + number, u"urn:n" + number);
+        s->setPrefix(bindings.back().first, bindings.back().second);
+    }
+    s->startTag(NONE, NONE, A, false);
+    for (const auto& [prefix, ns] : bindings) {
+        ASSERT_EQ(s->getPrefix(ns, false), prefix);
+        s->attribute(ns, A, UnicodeString());
+    }
+    s->endDocument();
+    EXPECT_NE(out.str().find(" p59999:a=\"\""), std::string::npos);
+    EXPECT_EQ(out.str().find("-N"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace RynCommon

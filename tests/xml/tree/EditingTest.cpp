@@ -1,0 +1,310 @@
+// Editing calls: the ring of siblings, ownership, errors.
+#include <map>
+#include <random>
+
+#include "tests/xml/tree/TreeFixture.h"
+
+namespace {
+
+using namespace treetest;
+
+/// The nodes that rows speak of, in the tree r(a,b(d,e),c); f is free, o is of another document.
+struct Scene {
+    RyPtr<RyDocument> document = documentOf("<r><a/><b><d/><e/></b><c/></r>");
+    RyPtr<RyDocument> other = new RyDocument;
+    RyPtr<RyElement> free = document->createElement(name("f"));
+    RyPtr<RyElement> foreign = other->createElement(name("o"));
+    std::map<char, RyNode*> nodes;
+
+    Scene() {
+        for (RyTreeIterator it(document->getDocumentElement()); it.hasNextNode(); it.nextNode())
+            nodes[dump(it.getCurrentNode())[0]] = it.getCurrentNode();
+        nodes['f'] = free;
+        nodes['o'] = foreign;
+        nodes['#'] = document;
+        nodes['-'] = nullptr;
+    }
+    std::string result() const {
+        const RyNode* const root = document->getDocumentElement();
+        const std::string broken = brokenLinks(*document) + brokenLinks(*free);
+        return broken.empty() ? dump(root != nullptr ? root : nodes.at('r')) : "broken: " + broken;
+    }
+};
+
+/// "+pc" appends c to p, "<pcx" inserts c before x in p, "=pcx" replaces x, "!px" removes x from p.
+void apply(const Scene& scene, const std::string& call) {
+    RyNode& parent = *scene.nodes.at(call[1]);
+    RyNode* const first = scene.nodes.at(call[2]);
+    RyNode* const second = call.size() > 3 ? scene.nodes.at(call[3]) : nullptr;
+    switch (call[0]) {
+        case '+':
+            EXPECT_EQ(parent.appendChild(first), first) << call;
+            break;
+        case '<':
+            EXPECT_EQ(parent.insertBefore(first, second), first) << call;
+            break;
+        case '=':
+            EXPECT_EQ(parent.replaceChild(first, second).get(), second) << call;
+            break;
+        default:
+            EXPECT_EQ(parent.removeChild(first).get(), first) << call;
+            break;
+    }
+}
+
+TEST(RyNodeEditing, CallsGiveTheTreeExpected) {
+    const struct {
+        const char* call;
+        const char* expected;
+    } rows[] = {
+        {"+rf", "r(a,b(d,e),c,f)"},  {"+ra", "r(b(d,e),c,a)"},    {"+rc", "r(a,b(d,e),c)"},
+        {"+ab", "r(a(b(d,e)),c)"},   {"+af", "r(a(f),b(d,e),c)"}, {"<rfa", "r(f,a,b(d,e),c)"},
+        {"<rfc", "r(a,b(d,e),f,c)"}, {"<rf-", "r(a,b(d,e),c,f)"}, {"<rbb", "r(a,b(d,e),c)"},
+        {"<rca", "r(c,a,b(d,e))"},   {"<rab", "r(a,b(d,e),c)"},   {"<bce", "r(a,b(d,c,e))"},
+        {"=rfa", "r(f,b(d,e),c)"},   {"=rfc", "r(a,b(d,e),f)"},   {"=rfb", "r(a,f,c)"},
+        {"=rbb", "r(a,b(d,e),c)"},   {"=rac", "r(b(d,e),a)"},     {"=rca", "r(c,b(d,e))"},
+        {"=rdb", "r(a,d,c)"},        {"=bcd", "r(a,b(c,e))"},     {"!ra", "r(b(d,e),c)"},
+        {"!rb", "r(a,c)"},           {"!rc", "r(a,b(d,e))"},      {"!bd", "r(a,b(e),c)"},
+        {"!#r", "r(a,b(d,e),c)"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.call);
+        Scene scene;
+        const RyPtr<RyNode> held = scene.nodes.at('r');
+        apply(scene, row.call);
+        EXPECT_EQ(scene.result(), row.expected);
+    }
+}
+
+TEST(RyNodeEditing, ErrorsLeaveTheTreeAlone) {
+    const std::string append = " RynCommon::RyNode::appendChild: SYSTEM ERROR: ";
+    const std::string insert = " RynCommon::RyNode::insertBefore: SYSTEM ERROR: ";
+    const std::string replace = " RynCommon::RyNode::replaceChild: SYSTEM ERROR: ";
+    const std::string remove = " RynCommon::RyNode::removeChild: SYSTEM ERROR: ";
+    const std::string foreign = "newChildarg is created from a different document.";
+    const struct {
+        const char* call;
+        std::string expected;
+    } rows[] = {
+        {"+r-", "2051" + append + "newChild is null."},
+        {"+ro", "2054" + append + foreign},
+        {"+r#", "2054" + append + foreign},
+        {"+rr", "2058" + append + "RyErrorCodeRYNLIB"},
+        {"+er", "2058" + append + "RyErrorCodeRYNLIB"},
+        {"+##", "2058" + append + "RyErrorCodeRYNLIB"},
+        {"<r-a", "2051" + insert + "newChild is null."},
+        {"<rfd", "2057" + insert + "refChild is not a child of this node."},
+        {"<roa", "2054" + insert + foreign},
+        {"<dr-", "2058" + append + "RyErrorCodeRYNLIB"},
+        {"<bbd", "2058" + insert + "RyErrorCodeRYNLIB"},
+        {"=r-a", "2051" + replace + "newChild is null."},
+        {"=rf-", "2051" + replace + "oldChild is null."},
+        {"=rfd", "2057" + replace + "oldChild is not a child of this node."},
+        {"=roa", "2054" + replace + foreign},
+        {"=bre", "2058" + replace + "RyErrorCodeRYNLIB"},
+        {"!r-", "2051" + remove + "oldChild is null."},
+        {"!rd", "2057" + remove + "oldChild is not a child of this node."},
+        {"!rf", "2057" + remove + "oldChild is not a child of this node."},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.call);
+        Scene scene;
+        EXPECT_EQ(errorOf([&] { apply(scene, row.call); }), row.expected);
+        EXPECT_EQ(scene.result(), "r(a,b(d,e),c)");
+        EXPECT_EQ(scene.nodes.at('a')->getRefCount(), 1);
+        EXPECT_EQ(scene.free->getRefCount(), 1);
+    }
+}
+
+TEST(RyNodeEditing, ValuesAndAttributesAreRefusedWhereTheyDoNotBelong) {
+    Scene scene;
+    const RyPtr<RyAttr> attr = scene.document->createAttribute(name("x"));
+    RyNode& root = *scene.nodes.at('r');
+    EXPECT_EQ(errorOf([&] { root.appendChild(attr); }).substr(0, 4), "2058");
+    EXPECT_EQ(errorOf([&] { root.setNodeValue(RyValue(1)); }),
+              "2059 RynCommon::RyNode::setNodeValue: SYSTEM ERROR: Cannot set a value on node "
+              "type: RyElement");
+    EXPECT_EQ(errorOf([&] { scene.document->setText(u"x"); }),
+              "2059 RynCommon::RyNode::setNodeValue: SYSTEM ERROR: Cannot set a value on node "
+              "type: RyDocument");
+}
+
+// Random calls on a dozen nodes, beside lists of children that say what should come of them.
+TEST(RyNodeEditing, RandomEditsAgreeWithAModel) {
+    constexpr int COUNT = 12;
+    std::mt19937 random(20240607);
+    const RyPtr<RyDocument> document = new RyDocument;
+    std::vector<RyPtr<RyElement>> nodes;
+    std::map<const RyNode*, std::vector<RyNode*>> children;
+    for (int i = 0; i < COUNT; ++i)
+        nodes.push_back(document->createElement(name(std::string(1, static_cast<char>('a' + i)))));
+    const auto any = [&] { return nodes[random() % COUNT].get(); };
+    const auto isUnder = [](const RyNode* node, const RyNode* above) {
+        for (; node != nullptr; node = node->getParentNodeFast())
+            if (node == above) return true;
+        return false;
+    };
+    const auto takeOut = [&](RyNode* node) { std::erase(children[node->getParentNode()], node); };
+    int moves = 0;
+    int refusals = 0;
+    for (int step = 0; step < 20'000; ++step) {
+        RyNode* const parent = any();
+        RyNode* const child = any();
+        std::vector<RyNode*>& list = children[parent];
+        RyNode* const place = list.empty() ? nullptr : list[random() % list.size()];
+        const auto kind = random() % 8;
+        if (kind < 6 && child != place && isUnder(parent, child)) {
+            EXPECT_EQ(errorOf([&] { parent->insertBefore(child, place); }).substr(0, 4), "2058");
+            ++refusals;
+        } else if (kind < 3) {
+            takeOut(child);
+            list.push_back(child);
+            parent->appendChild(child);
+            ++moves;
+        } else if (place == nullptr || child == place) {
+            continue;
+        } else if (kind < 6) {
+            takeOut(child);
+            const auto at = std::find(list.begin(), list.end(), place);
+            if (kind < 5)
+                list.insert(at, child);
+            else
+                *at = child;
+            if (kind < 5)
+                parent->insertBefore(child, place);
+            else
+                EXPECT_EQ(parent->replaceChild(child, place)->getRefCount(), 2);
+            ++moves;
+        } else if (kind == 6) {
+            std::erase(list, place);
+            EXPECT_EQ(parent->removeChild(place)->getParentNode(), nullptr);
+        } else if (random() % 50 == 0) {
+            list.clear();
+            parent->removeAllChildNodes();
+        }
+        for (const auto& node : nodes) {
+            std::vector<RyNode*> found;
+            for (RyNode* n = node->getFirstChild(); n != nullptr; n = n->getNextSibling())
+                found.push_back(n);
+            ASSERT_EQ(found, children[node]) << "step " << step;
+            ASSERT_EQ(brokenLinks(*node), "") << "step " << step;
+            ASSERT_EQ(node->getRefCount(), node->getParentNode() != nullptr ? 2 : 1);
+        }
+    }
+    EXPECT_GT(moves, 5'000);
+    EXPECT_GT(refusals, 100);
+}
+
+TEST(RyNodeEditing, SingleChildLinksToItself) {
+    const RyPtr<RyDocument> document = documentOf("<r><a/></r>");
+    const RyElement* const root = document->getDocumentElement();
+    const RyNode* const child = root->getFirstChild();
+    EXPECT_EQ(root->getLastChild(), child);
+    EXPECT_EQ(child->getNextSibling(), nullptr);
+    EXPECT_EQ(child->getNextSiblingFast(), nullptr);
+    EXPECT_EQ(child->getPreviousSibling(), nullptr);
+}
+
+TEST(RyNodeEditing, ChildrenHeldElsewhereSurviveTheirParent) {
+    RyPtr<RyDocument> document = documentOf("<r><a/><b><d/></b><c/></r>");
+    const RyPtr<RyNode> held = document->getDocumentElement()->getFirstChild()->getNextSibling();
+    const RyPtr<RyNode> root = document->removeChild(document->getDocumentElement());
+    EXPECT_EQ(root->getRefCount(), 1);
+    const_cast<RyPtr<RyNode>&>(root).reset();
+    EXPECT_EQ(dump(held), "b(d)");
+    EXPECT_EQ(held->getParentNode(), nullptr);
+    EXPECT_EQ(held->getPreviousSibling(), nullptr);
+    EXPECT_EQ(held->getRefCount(), 1);
+}
+
+TEST(RyNodeEditing, RemovingAllKeepsWhatIsBelowAndDeletingAllTakesItApart) {
+    const RyPtr<RyDocument> document = documentOf("<r><a/><b><d/><e>x</e></b><c/></r>");
+    RyElement* const root = document->getDocumentElement();
+    const RyPtr<RyNode> b = root->getFirstChild()->getNextSibling();
+    root->removeAllChildNodes();
+    EXPECT_EQ(dump(root), "r");
+    EXPECT_EQ(dump(b), "b(d,e(\"x\"))");
+    root->appendChild(b);
+    const RyPtr<RyNode> d = b->getFirstChild();
+    EXPECT_EQ(root->deleteAllChildNodes(), 2) << "e and its text";
+    EXPECT_EQ(dump(b), "b");
+    EXPECT_EQ(b->getParentNode(), nullptr);
+    EXPECT_EQ(d->getParentNode(), nullptr);
+    EXPECT_EQ(b->getRefCount(), 1);
+}
+
+TEST(RyNodeEditing, FragmentsAreLinkedAsTheNodesTheyAre) {
+    const RyPtr<RyDocument> document = documentOf("<r/>");
+    const RyPtr<RyDocumentFragment> fragment = document->createDocumentFragment();
+    fragment->appendChildText(u"x");
+    fragment->appendChild(document->createProcessingInstruction(u"p q"));
+    document->getDocumentElement()->appendChild(fragment);
+    EXPECT_EQ(dump(document), "r(#(\"x\",?p q?))");
+    EXPECT_EQ(savedXml(*document), "<r>x<?p q?></r>");
+}
+
+TEST(RyNodeEditing, ClonesAreEqualFreeAndApart) {
+    const RyPtr<RyDocument> document =
+        documentOf("<p:r xmlns:p='urn:p' a='1'>x<b c='2'><d/>y</b><e/></p:r>");
+    RyElement* const root = document->getDocumentElement();
+    root->appendChild(document->createProcessingInstruction(u"pi data"));
+    root->setAttribute(name("n"), RyValue(7));
+    const std::string before = dump(document);
+    const RyPtr<RyNode> deep = root->cloneNode(true);
+    const RyPtr<RyNode> shallow = root->cloneNode(false);
+    const RyPtr<RyNode> copy = document->cloneNode(true);
+    EXPECT_EQ(dump(deep), before);
+    EXPECT_EQ(dump(shallow), "p:r[xmlns:p=urn:p,a=1,n=7]");
+    EXPECT_EQ(dump(copy), before);
+    EXPECT_EQ(brokenLinks(*deep) + brokenLinks(*copy), "");
+    EXPECT_EQ(deep->getParentNode(), nullptr);
+    EXPECT_EQ(deep->getNamespaceUri(), name("urn:p"));
+    EXPECT_EQ(deep->getSourceColumnNumber(), root->getSourceColumnNumber());
+    EXPECT_EQ(deep->getOwnerDocument(), document.get());
+    EXPECT_TRUE(static_cast<RyElement&>(*deep).getAttribute(name("n")).isInteger());
+    for (const RyNode* node = copy->getFirstChild(); node != nullptr; node = node->getFirstChild())
+        EXPECT_EQ(node->getOwnerDocument(), copy.get());
+    deep->getFirstChild()->setText(u"changed");
+    EXPECT_EQ(dump(document), before);
+}
+
+TEST(RyNodeEditing, IdentifiersNamesAndTypes) {
+    const RyPtr<RyDocument> document = new RyDocument;
+    const RyPtr<RyElement> element = document->createElementNS(name("urn:p"), name("p:e"));
+    const RyPtr<RyAttr> attr = document->createAttributeNS(name("urn:p"), name("p:a"));
+    const RyPtr<RyTextNode> text = document->createTextNode(u"t");
+    const RyPtr<RynCommon::RyPINode> pi = document->createProcessingInstruction(u"target\tdata");
+    const RyPtr<RyDocumentFragment> fragment = document->createDocumentFragment();
+    const RyPtr<RyNodeList> list = document->getChildNodes();
+    const struct {
+        const RynCommon::RyObjectBase* object;
+        std::vector<unsigned> ids;
+        const char* type;
+        const char* nodeName;
+        int number;
+    } rows[] = {
+        {element, {0xD31942AA, 0x74DC3393, 0x90AF0240, 0xA4EBD8C4}, "RyElement", "p:e", 1},
+        {attr, {0xC5B6A2E2, 0x74DC3393}, "RyAttr", "p:a", 2},
+        {text, {0x92151179, 0x74DC3393}, "RyTextNode", "#text", 3},
+        {pi, {0x1A6FA3CF, 0x74DC3393}, "RyPINode", "target", 7},
+        {document, {0xF6B431AF, 0x74DC3393}, "RyDocument", "#document", 9},
+        {fragment, {0x319C59B1, 0x74DC3393}, "RyDocumentFragment", "#document-fragment", 11},
+        {list, {0x316E063E, 0x548EE986, 0x90AF0240}, "RyNodeList", "", 0},
+        {element->getAttributes(), {0x953D7483, 0x90AF0240}, "RyNamedNodeMap", "", 0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.type);
+        EXPECT_EQ(row.object->getTypeID(), row.ids[0]);
+        for (const unsigned id : row.ids) EXPECT_TRUE(row.object->isA(id)) << id;
+        EXPECT_FALSE(row.object->isA(0x31FB5B85));
+        EXPECT_EQ(utf8(row.object->getTypeName()), row.type);
+        const auto* const node = dynamic_cast<const RyNode*>(row.object);
+        if (node == nullptr) continue;
+        EXPECT_EQ(utf8(node->getNodeName().toString()), row.nodeName);
+        EXPECT_EQ(node->getNodeType(), row.number);
+        EXPECT_EQ(node->isElementNode(), row.number == 1);
+        EXPECT_EQ(node->isText(), row.number == 3);
+    }
+}
+
+}  // namespace

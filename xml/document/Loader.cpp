@@ -1,0 +1,235 @@
+// Turns the events of a parser into the nodes of a document.
+#include "xml/document/Loader.h"
+
+#include "core/ErrorLocations.h"
+#include "xml/document/DocumentRep.h"
+
+namespace RynCommon {
+
+/// Holds the lock, and marks the loader as reading where it was not.
+class Loader::Reading {
+public:
+    explicit Reading(Loader& loader)
+        : guard_(loader.lock_), loader_(loader), isNested_(loader.reading_) {
+        loader.reading_ = true;
+    }
+    ~Reading() { loader_.reading_ = isNested_; }
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
+
+    bool isNested() const { return isNested_; }
+
+private:
+    RyMutex guard_;
+    Loader& loader_;
+    bool isNested_;
+};
+
+Loader::~Loader() {
+    // Nodes that die now find that nothing more is to be read.
+    reading_ = true;
+    end(Ending::STOPPED);
+    dropText();
+}
+
+void Loader::loadUntil(const RyNode& node, Known isKnown) {
+    const RyDocument* document = node.getOwnerDocument();
+    if (document == nullptr && node.getNodeType() == RyNode::DOCUMENT_NODE)
+        document = static_cast<const RyDocument*>(&node);
+    if (document == nullptr) return;
+    document->rep_->loader.read([&](const RyNode*) { return isKnown(node); });
+}
+
+template <class Done>
+void Loader::read(Done isDone) {
+    const Reading reading(*this);
+    if (reading.isNested()) return;
+    try {
+        const RyNode* added = nullptr;
+        while (!open_.empty() && !isDone(added)) added = takeEvent();
+    } catch (...) {
+        fail();
+        throw;
+    }
+}
+
+RyNode* Loader::loadNextNode() {
+    RyNode* result = nullptr;
+    read([&](const RyNode* added) {
+        result = const_cast<RyNode*>(added);
+        return result != nullptr;
+    });
+    return result;
+}
+
+void Loader::load(RyNode& target, bool pull, const SetInput& setInput) {
+    const RyMutex guard(lock_);
+    requireNotReading();
+    begin(target);
+    dropText();
+    {
+        const Reading reading(*this);
+        try {
+            setInput(*parser_);
+        } catch (...) {
+            fail();
+            throw;
+        }
+    }
+    readOn(pull);
+}
+
+void Loader::loadText(RyNode& target, bool pull, const UnicodeString& text,
+                      const UnicodeString& baseUri) {
+    const bool hasMark = !text.isEmpty() && text[0] == u'\uFEFF';
+    auto stream =
+        std::make_unique<UnitsStream>(hasMark ? UnicodeString(text, 1) : UnicodeString(text));
+    load(target, pull, [&](RyXmlParser& parser) {
+        text_ = std::move(stream);
+        parser.setInput(*text_, u"UTF-16LE", baseUri);
+    });
+}
+
+void Loader::loadPresent(RyNode& target, bool pull) {
+    const RyMutex guard(lock_);
+    requireNotReading();
+    begin(target);
+    standsAtEvent_ = parser_->getEventType() == RyXmlParser::START_TAG;
+    readOn(pull);
+}
+
+void Loader::requireNotReading() const {
+    if (reading_) throwSystemError(SYSTEM_WRONG_STATE, LOCATION_DOCUMENT_LOAD_NEXT_NODE);
+}
+
+void Loader::begin(RyNode& target) {
+    end(Ending::STOPPED);
+    RyXmlParser* const parser = document_.getParser();
+    // A parser that was given our text and is ours no more must not keep the stream.
+    if (parser_ != nullptr && parser_ != parser) dropText();
+    parser_ = parser;
+    open_.push_back(&target);
+    if (&target != &document_) target.addRef();
+    target.setFlag(RyNode::FLAG_LOADING, true);
+    target.setFlag(RyNode::FLAG_LOADED, false);
+    target.removeAllChildNodes();
+}
+
+void Loader::readOn(bool pull) {
+    if (!pull) read([](const RyNode*) { return false; });
+}
+
+RyNode* Loader::takeEvent() {
+    RyNode* added = nullptr;
+    switch (nextEvent()) {
+        case RyXmlParser::START_TAG:
+            added = startElement();
+            break;
+        case RyXmlParser::END_TAG:
+            endElement();
+            break;
+        case RyXmlParser::TEXT:
+            added = open_.back()->appendChildText(parser_->getText());
+            break;
+        case RyXmlParser::END_DOCUMENT:
+            end(Ending::COMPLETE);
+            break;
+        default:
+            throwSystemError(SYSTEM_WRONG_STATE, LOCATION_DOCUMENT_LOAD_NEXT_NODE);
+    }
+    if (stop_) end(Ending::STOPPED);
+    return added;
+}
+
+RyXmlParser::EventType Loader::nextEvent() {
+    if (standsAtEvent_) {
+        standsAtEvent_ = false;
+        return parser_->getEventType();
+    }
+    RyXmlParser::EventType event = parser_->next();
+    while (skipDepth_ != 0) {
+        const bool isEnd = event == RyXmlParser::END_DOCUMENT;
+        if (isEnd || (event == RyXmlParser::END_TAG && parser_->getDepth() == skipDepth_))
+            skipDepth_ = 0;
+        if (isEnd) break;
+        event = parser_->next();
+    }
+    return event;
+}
+
+RyNode* Loader::startElement() {
+    RyPtr<RyElement> element = document_.createElementNS(parser_->getNamespace(),
+                                                         parser_->getPrefix(), parser_->getName());
+    RyElement* const node = element;
+    if (node != nullptr) fillElement(*node);
+    if (node == nullptr || open_.back()->appendChildEx(node) != node) {
+        if (node != nullptr) node->setFlag(RyNode::FLAG_LOADING, false);
+        skipDepth_ = parser_->getDepth();
+        return nullptr;
+    }
+    // The reference of creation becomes that of the open node.
+    open_.push_back(node);
+    element.detach();
+    return node;
+}
+
+void Loader::fillElement(RyElement& element) const {
+    const RyXmlParser& parser = *parser_;
+    element.setFlag(RyNode::FLAG_LOADING, true);
+    element.setSourceLineNumber(parser.getLineNumber());
+    element.setSourceColumnNumber(parser.getColumnNumber());
+    const int count = parser.getAttributeCount();
+    for (int i = 0; i < count; ++i) {
+        element.setAttributeEx(parser.getAttributeNamespace(i), parser.getAttributePrefix(i),
+                               parser.getAttributeName(i), parser.getAttributeValue(i));
+    }
+    element.finishAttributes();
+}
+
+void Loader::endElement() {
+    closeInnermost(Ending::COMPLETE);
+    if (open_.empty()) end(Ending::COMPLETE);
+}
+
+void Loader::closeInnermost(Ending ending) {
+    RyNode* const node = open_.back();
+    open_.pop_back();
+    node->setFlag(RyNode::FLAG_LOADING, false);
+    if (ending == Ending::COMPLETE) node->setFlag(RyNode::FLAG_LOADED, true);
+    if (node != &document_) node->release();
+}
+
+void Loader::end(Ending ending) {
+    while (!open_.empty()) closeInnermost(ending);
+    skipDepth_ = 0;
+    standsAtEvent_ = false;
+    stop_ = false;
+    if (ending == Ending::COMPLETE) dropText();
+}
+
+void Loader::fail() {
+    end(Ending::STOPPED);
+    parser_->closeStream();
+    text_.reset();
+}
+
+void Loader::dropText() {
+    if (text_ == nullptr) return;
+    parser_->closeStream();
+    text_.reset();
+}
+
+RyNode* Loader::lastLoadingNode() {
+    const RyMutex guard(lock_);
+    return open_.empty() || stop_ ? nullptr : open_.back();
+}
+
+void Loader::abort() {
+    const RyMutex guard(lock_);
+    if (reading_)
+        stop_ = !open_.empty();
+    else
+        end(Ending::STOPPED);
+}
+
+}  // namespace RynCommon

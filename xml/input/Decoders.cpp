@@ -1,0 +1,166 @@
+// Blocks of bytes to UTF-16.
+//
+// Each decoder is one loop over a block. ASCII runs of UTF-8 go through the vector kernel; the multi-byte loop stays in
+// registers until the next ASCII byte. UTF-16 in our own byte order is copied and then looked through for surrogates,
+// which text seldom has.
+#include <cstring>
+
+#include "core/UnitScan.h"
+#include "xml/input/Encodings.h"
+
+namespace RynCommon {
+
+namespace {
+
+constexpr char16_t REPLACEMENT = 0xFFFD;
+
+constexpr bool isContinuation(std::uint8_t b) { return (b & 0xC0) == 0x80; }
+constexpr bool isHighSurrogate(std::uint32_t u) { return (u & 0xFFFFFC00) == 0xD800; }
+constexpr bool isLowSurrogate(std::uint32_t u) { return (u & 0xFFFFFC00) == 0xDC00; }
+constexpr bool isSurrogate(std::uint32_t u) { return (u & 0xFFFFF800) == 0xD800; }
+
+char16_t* put(std::uint32_t c, char16_t* out) {
+    if (c < 0x10000) {
+        *out++ = isSurrogate(c) ? REPLACEMENT : static_cast<char16_t>(c);
+    } else if (c <= 0x10FFFF) {
+        *out++ = static_cast<char16_t>(0xD7C0 + (c >> 10));
+        *out++ = static_cast<char16_t>(0xDC00 | (c & 0x3FF));
+    } else {
+        *out++ = REPLACEMENT;
+    }
+    return out;
+}
+
+/// Number of bytes of the sequence that `lead` begins; 1 for bytes that begin none.
+constexpr int sequenceLength(std::uint8_t lead) {
+    if ((lead & 0xE0) == 0xC0) return 2;
+    if ((lead & 0xF0) == 0xE0) return 3;
+    if ((lead & 0xF8) == 0xF0) return 4;
+    return 1;
+}
+
+/// One sequence of UTF-8 at `in`, whatever its state. False when it is unfinished and more may come.
+bool decodeSequence(const std::uint8_t*& in, const std::uint8_t* end, bool final, char16_t*& out) {
+    const int length = sequenceLength(*in);
+    if (length == 1) {
+        ++in;
+        *out++ = REPLACEMENT;
+        return true;
+    }
+    std::uint32_t c = *in & (0x7Fu >> length);
+    const std::uint8_t* p = in + 1;
+    for (int i = 1; i < length; ++i, ++p) {
+        if (p == end && !final) return false;
+        if (p == end || !isContinuation(*p)) {
+            in = p;
+            *out++ = REPLACEMENT;
+            return true;
+        }
+        c = c << 6 | (*p & 0x3Fu);
+    }
+    in = p;
+    out = put(c, out);
+    return true;
+}
+
+char16_t* decodeUtf8(const std::uint8_t*& in, const std::uint8_t* end, bool final, char16_t* out) {
+    const std::uint8_t* p = in;
+    while (p < end) {
+        if (*p < 0x80) {
+            const std::size_t run = widenAscii(p, static_cast<std::size_t>(end - p), out);
+            p += run;
+            out += run;
+            continue;
+        }
+        // Three bytes make most of the characters that are not ASCII.
+        if (end - p >= 3 && (p[0] & 0xF0) == 0xE0 && isContinuation(p[1]) && isContinuation(p[2])) {
+            do {
+                const std::uint32_t c =
+                    (p[0] & 0x0Fu) << 12 | (p[1] & 0x3Fu) << 6 | (p[2] & 0x3Fu);
+                *out++ = isSurrogate(c) ? REPLACEMENT : static_cast<char16_t>(c);
+                p += 3;
+            } while (end - p >= 3 && (p[0] & 0xF0) == 0xE0 && isContinuation(p[1]) &&
+                     isContinuation(p[2]));
+            continue;
+        }
+        if (!decodeSequence(p, end, final, out)) break;
+    }
+    in = p;
+    return out;
+}
+
+template <bool BigEndian>
+std::uint32_t unitAt(const std::uint8_t* p) {
+    return BigEndian ? std::uint32_t{p[0]} << 8 | p[1] : std::uint32_t{p[1]} << 8 | p[0];
+}
+
+template <bool BigEndian>
+char16_t* decodeUtf16(const std::uint8_t*& in, const std::uint8_t* end, bool final, char16_t* out) {
+    const std::uint8_t* p = in;
+    while (end - p >= 2) {
+        const std::uint32_t unit = unitAt<BigEndian>(p);
+        if (!isSurrogate(unit)) {
+            *out++ = static_cast<char16_t>(unit);
+        } else if (isHighSurrogate(unit) && end - p < 4 && !final) {
+            break;
+        } else if (isHighSurrogate(unit) && end - p >= 4 &&
+                   isLowSurrogate(unitAt<BigEndian>(p + 2))) {
+            *out++ = static_cast<char16_t>(unit);
+            *out++ = static_cast<char16_t>(unitAt<BigEndian>(p + 2));
+            p += 2;
+        } else {
+            *out++ = REPLACEMENT;
+        }
+        p += 2;
+    }
+    if (final && end - p == 1) {
+        ++p;
+        *out++ = REPLACEMENT;
+    }
+    in = p;
+    return out;
+}
+
+template <bool BigEndian>
+char16_t* decodeUtf32(const std::uint8_t*& in, const std::uint8_t* end, bool final, char16_t* out) {
+    const std::uint8_t* p = in;
+    for (; end - p >= 4; p += 4) {
+        const std::uint32_t first = unitAt<BigEndian>(p);
+        const std::uint32_t second = unitAt<BigEndian>(p + 2);
+        out = put(BigEndian ? first << 16 | second : second << 16 | first, out);
+    }
+    if (final && p < end) {
+        p = end;
+        *out++ = REPLACEMENT;
+    }
+    in = p;
+    return out;
+}
+
+}  // namespace
+
+char16_t* decodeBlock(EncodingKind kind, const std::uint8_t*& in, const std::uint8_t* end,
+                      bool final, char16_t* out) {
+    switch (kind) {
+        case ENCODING_UNKNOWN:
+        case ENCODING_UTF8:
+            return decodeUtf8(in, end, final, out);
+        case ENCODING_UTF16LE:
+        case ENCODING_CONVERTER:
+            return decodeUtf16<false>(in, end, final, out);
+        case ENCODING_UTF16BE:
+            return decodeUtf16<true>(in, end, final, out);
+        case ENCODING_UTF32LE:
+            return decodeUtf32<false>(in, end, final, out);
+        case ENCODING_UTF32BE:
+            return decodeUtf32<true>(in, end, final, out);
+        default:
+            break;
+    }
+    const auto count = static_cast<std::size_t>(end - in);
+    widenLatin1(in, count, out);
+    in = end;
+    return out + count;
+}
+
+}  // namespace RynCommon

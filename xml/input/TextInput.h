@@ -1,0 +1,98 @@
+// One input of the parser as windows of UTF-16 text.
+#pragma once
+
+#include <istream>
+#include <memory>
+
+#include <RynCommon/Forward.h>
+
+#include "xml/input/ByteInput.h"
+#include "xml/input/EncodingSniffer.h"
+#include "xml/input/Encodings.h"
+
+namespace RynCommon {
+
+/// Turns a byte stream into windows of decoded text with line ends normalised (CR LF, CR NEL, CR, U+0085 and U+2028
+/// become LF), and knows line and column of any place in the current window.
+///
+/// A window is what one block of bytes decodes to. Before and inside an XML declaration, which may change the decoder,
+/// windows hold one character: see setStepping(). U+FFFF never appears in a window; where one stands, refill() says so
+/// once and goes on behind it.
+class TextInput {
+public:
+    enum class Refill { WINDOW, INVALID_CHARACTER, END };
+
+    /// What came of a declared or given encoding name.
+    enum class Declared { ACCEPTED, CONFLICT, UNSUPPORTED };
+
+    TextInput();
+    ~TextInput();
+    TextInput(const TextInput&) = delete;
+    TextInput& operator=(const TextInput&) = delete;
+
+    /// Starts on a stream that stays the caller's.
+    void open(std::istream& in);
+    /// Starts on a stream of our own.
+    void open(std::unique_ptr<std::istream> in);
+    /// Lets go of the stream. Encoding name and position stay readable.
+    void close();
+    bool isOpen() const { return source_ != nullptr; }
+    std::istream* stream() const { return source_; }
+
+    /// Applies an encoding name told from outside, before anything is read. Empty tells nothing.
+    /// @param builtinOnly   refuse names that need a converter
+    /// @param rawFallback   read bytes as they are where no converter opens
+    Declared setGivenEncoding(const UnicodeString& name, bool builtinOnly, bool rawFallback);
+    /// Looks at the first bytes. Raises line 1, column 0. False when they began like a byte-order mark and are none.
+    bool start();
+    /// Applies the name of an XML declaration that has just been read in stepping mode.
+    Declared setDeclaredEncoding(const UnicodeString& name, bool builtinOnly, bool rawFallback);
+    const UnicodeString& encodingName() const { return encodingName_; }
+
+    /// With stepping on, each window holds one character and no byte beyond it is taken.
+    void setStepping(bool on) { stepping_ = on; }
+    /// Whether the next character can be had; reads one byte at most.
+    bool hasByte() { return bytes_.size() != 0 || bytes_.fill(true); }
+
+    /// Counts the current window as read and makes the next.
+    Refill refill();
+    const char16_t* windowBegin() const { return window_; }
+    const char16_t* windowEnd() const { return windowEnd_; }
+
+    /// Counts the text of the window up to `place` as read.
+    void countTo(const char16_t* place);
+    int line() const { return line_; }
+    int column() const { return column_; }
+    /// Units decoded so far, for what is allowed in proportion to the input.
+    std::uint64_t unitsRead() const { return unitsRead_; }
+
+private:
+    void reset();
+    Declared useConverter(const UnicodeString& name, bool builtinOnly, bool rawFallback);
+    bool decodeMore();
+    char16_t* decodeRest(char16_t* out);
+    char16_t* decodeStep(char16_t* out);
+    void normaliseLineEnds(char16_t* begin, char16_t* end);
+    void cutWindow();
+
+    ByteInput bytes_;
+    std::istream* source_ = nullptr;
+    std::unique_ptr<std::istream> owned_;
+    std::unique_ptr<std::istream> converter_;
+    UnicodeString encodingName_;
+    EncodingKind kind_ = ENCODING_UNKNOWN;
+    bool fromMark_ = false;
+    bool stepping_ = false;
+    bool afterCarriageReturn_ = false;
+
+    std::unique_ptr<char16_t[]> units_;
+    const char16_t* window_ = nullptr;
+    const char16_t* windowEnd_ = nullptr;
+    const char16_t* decodedEnd_ = nullptr;  // behind windowEnd_ where a U+FFFF cut the window
+    const char16_t* counted_ = nullptr;     // line_ and column_ are those of this place
+    int line_ = -1;
+    int column_ = -1;
+    std::uint64_t unitsRead_ = 0;
+};
+
+}  // namespace RynCommon

@@ -1,0 +1,68 @@
+// The attributes of the current start tag.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include <RynCommon/RyName.h>
+
+namespace RynCommon {
+
+/// One attribute. The value's buffer is used again by later tags.
+struct ParsedAttribute {
+    RyName prefix;
+    RyName local;
+    RyName ns;
+    UnicodeString value;
+
+    /// "xmlns" or "xmlns:p".
+    bool isNamespaceDeclaration() const {
+        return prefix == RN_xmlns || (prefix.isEmpty() && local == RN_xmlns);
+    }
+};
+
+/// The attributes of one start tag in document order. Slots are kept from tag to tag.
+class AttributeList {
+public:
+    void clear() { count_ = 0; }
+    std::size_t size() const { return count_; }
+    ParsedAttribute& operator[](std::size_t index) { return slots_[index]; }
+    const ParsedAttribute& operator[](std::size_t index) const { return slots_[index]; }
+
+    /// A further attribute; its value is left over from another tag.
+    ParsedAttribute& add(RyName prefix, RyName local);
+    /// Makes all values copies that point into no window.
+    void ownValues();
+    /// Takes the last one back.
+    void removeLast() { --count_; }
+
+    /// First attribute with that namespace and local name, or null.
+    const ParsedAttribute* find(RyName ns, RyName local) const;
+    /// Calls `report(attribute)` for each attribute whose namespace and local name an earlier one has, in order.
+    template <class Report>
+    void forEachDuplicate(Report report) {
+        if (count_ > COMPARE_ALL) prepareSet();
+        for (std::size_t i = 1; i < count_; ++i)
+            if (count_ > COMPARE_ALL ? isInSet(i) : isAmongFirst(i)) report(slots_[i]);
+    }
+
+private:
+    /// Up to here every pair is compared; above, a hash set answers.
+    static constexpr std::size_t COMPARE_ALL = 16;
+
+    bool isAmongFirst(std::size_t index) const {
+        const ParsedAttribute& attribute = slots_[index];
+        for (std::size_t j = 0; j < index; ++j)
+            if (slots_[j].local == attribute.local && slots_[j].ns == attribute.ns) return true;
+        return false;
+    }
+    void prepareSet();
+    bool isInSet(std::size_t index);
+
+    std::vector<ParsedAttribute> slots_;
+    std::size_t count_ = 0;
+    std::vector<std::uint64_t> seen_;  // open addressing over (namespace, local name); 0: free
+};
+
+}  // namespace RynCommon

@@ -1,0 +1,203 @@
+// Text, references, CDATA sections, comments and instructions.
+#include "core/ShortScan.h"
+#include "xml/parser/XmlParserImpl.h"
+
+#include <cstdio>
+
+namespace RynCommon {
+
+namespace {
+
+/// Whether `name` is "xml" in whatever case.
+bool isXmlInAnyCase(const Scanner::Name& name) {
+    return name.complete && name.length == 3 && (name.text[0] | 0x20) == u'x' &&
+           (name.text[1] | 0x20) == u'm' && (name.text[2] | 0x20) == u'l';
+}
+
+/// "U+0078 (x)".
+UnicodeString describeCharacter(UChar32 c) {
+    char number[24];
+    std::snprintf(number, sizeof number, "U+%04X (", static_cast<unsigned>(c));
+    return UnicodeString(number, -1, US_INV).append(c).append(u')');
+}
+
+}  // namespace
+
+void XmlParserImpl::topLevelError(const UnicodeString& text) {
+    core_.error(PARSE_TOP_LEVEL_TEXT, text);
+}
+
+// Text.
+
+void XmlParserImpl::readTextOrSpace() {
+    if (namespaces_.depth() == 0) {
+        core_.event = IGNORABLE_WHITESPACE;
+        readTopLevelText();
+    } else {
+        core_.event = TEXT;
+        readText();
+    }
+}
+
+/// Characters up to "<", "&" or the end. A text that a tag ends in the same window is not copied.
+void XmlParserImpl::readText() {
+    for (;;) {
+        const char16_t* const begin = scanner_.cursor();
+        const char16_t* const end = scanner_.limit();
+        const char16_t* const stop = scanTextStop(begin, end);
+        if (end - stop > 1 && *stop == u'<' && stop[1] != u'!' && stop[1] != u'?' &&
+            text_.isEmpty() && stop != begin) {
+            alias_.setTo(false, begin, static_cast<std::int32_t>(stop - begin));
+            isAliased_ = true;
+            scanner_.moveTo(stop);
+            scanner_.look(stop + 1);
+            return;
+        }
+        if (stop != begin) text_.append(begin, 0, static_cast<std::int32_t>(stop - begin));
+        scanner_.moveTo(stop);
+        if (stop == end) {
+            if (!scanner_.more()) return;
+        } else if (*stop == u']') {
+            readClosingBrackets();
+        } else {
+            scanner_.look(stop + 1);
+            return;
+        }
+    }
+}
+
+/// A run of "]", which must not stand before ">" when it is longer than one.
+void XmlParserImpl::readClosingBrackets() {
+    const std::int32_t count = core_.readRunOf(u']');
+    for (std::int32_t i = 0; i < count; ++i) text_.append(u']');
+    if (count < 2 || scanner_.peek() != u'>') return;
+    scanner_.skip();
+    text_.append(u'>');
+    core_.error(PARSE_CDATA_END_IN_TEXT);
+}
+
+/// White space; every other character is an error and left out.
+void XmlParserImpl::readTopLevelText() {
+    for (int c = scanner_.peek(); c != Scanner::END && c != u'<' && c != u'&'; c = scanner_.peek()) {
+        if (isXmlSpace(static_cast<char16_t>(c))) {
+            scanner_.skip();
+            text_.append(static_cast<char16_t>(c));
+        } else {
+            topLevelError(describeCharacter(scanner_.getCodePoint()));
+        }
+    }
+}
+
+// References.
+
+/// Behind "&". With `expand`, the characters go into the text or the replacement onto the inputs; without, the event
+/// is ENTITY_REF. False when there is no event.
+bool XmlParserImpl::readReference(bool expand) {
+    const bool inside = namespaces_.depth() > 0;
+    core_.event = expand ? TEXT : ENTITY_REF;
+    if (scanner_.accept(u'#')) {
+        std::uint32_t c;
+        if (!core_.readCharacterReference(c)) return false;
+        if (inside)
+            text_.append(static_cast<UChar32>(c));
+        else
+            topLevelError(describeCharacter(static_cast<UChar32>(c)));
+        return inside;
+    }
+    RyName name;
+    if (!core_.readEntityName(u'&', name)) return false;
+    if (!inside) {
+        topLevelError(UnicodeString(u'&').append(name.toString()).append(u';'));
+        return false;
+    }
+    if (expand) {
+        core_.expandGeneral(name, text_, true);
+        return true;
+    }
+    entityName_ = name;
+    return true;
+}
+
+// Markup.
+
+/// Behind "<?". False for the XML declaration, which is no event.
+bool XmlParserImpl::readInstruction(UnicodeString* sink) {
+    const EventType before = core_.event;
+    if (scanner_.peek() != Scanner::END && isXmlSpace(static_cast<char16_t>(scanner_.peek()))) {
+        core_.event = PROCESSING_INSTRUCTION;
+        core_.error(PARSE_UNEXPECTED_SPACE, UnicodeString(u"<?"));
+        scanner_.skipSpace();
+    }
+    const Scanner::Name name = scanner_.scanQName();
+    const bool isDeclaration = ParserCore::keyword(name) == RN_xml;
+    if (isDeclaration && before == START_DOCUMENT) {
+        core_.event = before;
+        core_.readXmlDeclaration(false);
+        scanner_.base().setStepping(false);
+        return false;
+    }
+    core_.event = PROCESSING_INSTRUCTION;
+    const UnicodeString target = name.toString();
+    scanner_.base().setStepping(false);
+    if (isDeclaration)
+        core_.error(PARSE_MISPLACED_XML_DECLARATION);
+    else if (isXmlInAnyCase(name))
+        core_.error(PARSE_XML_NOT_LOWER_CASE, target);
+    const int c = scanner_.peek();
+    if (c != Scanner::END && !isXmlSpace(static_cast<char16_t>(c)))
+        core_.error(PARSE_MISSING_PI_SPACE, target);
+    if (sink != nullptr) *sink = target;
+    core_.readInstructionRest(sink);
+    return true;
+}
+
+/// Behind "<!". False when there is no event.
+bool XmlParserImpl::readMarkup(UnicodeString* sink) {
+    if (scanner_.accept(u'[')) return readCdata(sink);
+    if (scanner_.accept(u'-')) {
+        core_.event = COMMENT;
+        if (!scanner_.accept(u'-')) {
+            core_.error(PARSE_BAD_COMMENT);
+            return false;
+        }
+        core_.readCommentRest(sink);
+        return true;
+    }
+    const Scanner::Name name = scanner_.scanName();
+    if (ParserCore::keyword(name) != RN_DOCTYPE) {
+        core_.error(PARSE_BAD_MARKUP, name.toString());
+        return false;
+    }
+    core_.event = DOCDECL;
+    if (sink != nullptr) scanner_.startCapture(*sink);
+    readDoctype();
+    if (sink == nullptr) return true;
+    scanner_.stopCapture();
+    if (sink->endsWith(UnicodeString(u'>'))) sink->truncate(sink->length() - 1);
+    return true;
+}
+
+/// Behind "<![". In next() the section becomes text.
+bool XmlParserImpl::readCdata(UnicodeString* sink) {
+    core_.event = sink != nullptr ? CDSECT : TEXT;
+    if (ParserCore::keyword(scanner_.scanName()) != RN_CDATA || !scanner_.accept(u'[')) {
+        core_.error(PARSE_BAD_CDATA);
+        return false;
+    }
+    const bool inside = namespaces_.depth() > 0;
+    if (!inside) topLevelError(UnicodeString(u"<![CDATA["));
+    UnicodeString* const target = inside ? &text_ : nullptr;
+    for (;;) {
+        if (!core_.readUpTo(u']', target)) {
+            core_.error(PARSE_UNENDED_CDATA);
+            return inside;
+        }
+        std::int32_t brackets = core_.readRunOf(u']');
+        const bool ended = brackets >= 2 && scanner_.accept(u'>');
+        if (ended) brackets -= 2;
+        for (; target != nullptr && brackets > 0; --brackets) target->append(u']');
+        if (ended) return inside;
+    }
+}
+
+}  // namespace RynCommon

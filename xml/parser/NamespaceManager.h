@@ -1,0 +1,81 @@
+// Open elements and the namespace bindings in force.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include <RynCommon/RyName.h>
+
+#include "xml/parser/NameCache.h"
+
+namespace RynCommon {
+
+/// The stack of open elements with the namespaces that each declares.
+///
+/// Bindings lie in one array, outermost first. A hash table leads from a prefix to its innermost binding, and each
+/// binding to the one that it hides, so that a look-up costs the same at any depth.
+class NamespaceManager {
+public:
+    struct Element {
+        const CachedName* name = nullptr;
+        RyName ns;
+        std::size_t firstBinding = 0;
+    };
+
+    NamespaceManager();
+
+    /// No element and no binding.
+    void reset();
+
+    /// Opens an element; bind() then declares on it.
+    void push(const CachedName& name) { elements_.push_back({&name, RyName(), bindings_.size()}); }
+    /// Closes the innermost element.
+    void pop() {
+        const std::size_t first = elements_.back().firstBinding;
+        elements_.pop_back();
+        if (bindings_.size() > first) unbindFrom(first);
+    }
+    /// Binds on the innermost open element, or around the root when none is open. An empty namespace unbinds.
+    void bind(RyName prefix, RyName ns);
+    /// The namespace of a prefix (empty: the default); the empty name when unbound. "xml" and "xmlns" are always bound.
+    RyName lookup(RyName prefix) const {
+        return prefix.isEmpty() ? namespaceAt(defaultBinding_) : lookupPrefix(prefix);
+    }
+
+    int depth() const { return static_cast<int>(elements_.size()); }
+    Element& top() { return elements_.back(); }
+    const Element& top() const { return elements_.back(); }
+
+    /// Number of bindings of the elements 1 to `depth` and around them.
+    std::size_t bindingCount(int depth) const;
+    RyName bindingPrefix(int index) const;
+    RyName bindingNamespace(int index) const;
+
+private:
+    struct Binding {
+        RyName prefix;
+        RyName ns;
+        std::int32_t hidden;  // binding of the same prefix that this one hides, or -1
+    };
+    struct Slot {
+        std::int32_t prefix = -1;  // -1: free
+        std::int32_t binding = -1;
+    };
+
+    Slot& slotOf(RyName prefix);
+    RyName namespaceAt(std::int32_t binding) const {
+        return binding < 0 ? RyName() : bindings_[static_cast<std::size_t>(binding)].ns;
+    }
+    RyName lookupPrefix(RyName prefix) const;
+    void unbindFrom(std::size_t first);
+    void grow();
+
+    std::vector<Element> elements_;
+    std::vector<Binding> bindings_;
+    std::vector<Slot> slots_;  // prefixes other than the empty one; open addressing, never removed from
+    std::size_t prefixCount_ = 0;
+    std::int32_t defaultBinding_ = -1;
+};
+
+}  // namespace RynCommon

@@ -1,0 +1,252 @@
+// Start and end tags, with their attributes and namespaces.
+#include "core/ShortScan.h"
+#include "xml/parser/XmlParserImpl.h"
+
+namespace RynCommon {
+
+namespace {
+
+constexpr CachedName NO_NAME{u"", 0, RyName(), RyName()};
+
+bool isSpaceAt(Scanner& scanner) {
+    const int c = scanner.peek();
+    return c != Scanner::END && isXmlSpace(static_cast<char16_t>(c));
+}
+
+UnicodeString qualified(const CachedName& name) {
+    return UnicodeString(name.text, static_cast<std::int32_t>(name.length));
+}
+
+UnicodeString qualified(RyName prefix, RyName local) {
+    if (prefix.isEmpty()) return local.toString();
+    return UnicodeString(prefix.toString()).append(u':').append(local.toString());
+}
+
+}  // namespace
+
+// Start tags.
+
+void XmlParserImpl::readStartTag() {
+    core_.event = START_TAG;
+    if (rootSeen_ && namespaces_.depth() == 0) core_.error(PARSE_SECOND_ROOT);
+    const CachedName* name = &NO_NAME;
+    Scanner::Name spelt = scanner_.scanQName();
+    if (!spelt.complete && spelt.length == 0 && isSpaceAt(scanner_)) {
+        core_.error(PARSE_UNEXPECTED_SPACE, UnicodeString(u'<'));
+        scanner_.skipSpace();
+        spelt = scanner_.scanQName();
+    }
+    if (spelt.complete)
+        name = &core_.find(spelt);
+    else
+        core_.error(PARSE_BAD_START_TAG_NAME);
+    if (!rootSeen_) {
+        rootSeen_ = true;
+        rootName_ = name->local;
+    }
+    namespaces_.push(*name);
+    attributes_.clear();
+    emptyTag_ = hasPrefixedAttribute_ = false;
+    readAttributes();
+    if (!defaults_.isEmpty()) applyDefaults(*name);
+    if (namespaces_.depth() == 1) bindBuiltinVocabulary(*name);
+    resolveNamespaces();
+}
+
+/// Up to and with ">" or "/>". "<" and the end of input end the tag as well.
+void XmlParserImpl::readAttributes() {
+    bool space = scanner_.skipSpace();
+    for (;;) {
+        const int c = scanner_.peek();
+        if (c == u'>') {
+            scanner_.skip();
+            return;
+        }
+        if (c == Scanner::END || c == u'<') {
+            core_.unexpectedCharacter();
+            return;
+        }
+        if (c == u'/') {
+            scanner_.skip();
+            if (isSpaceAt(scanner_)) {
+                core_.error(PARSE_UNEXPECTED_SPACE, UnicodeString(u'/'));
+                scanner_.skipSpace();
+            }
+            emptyTag_ = scanner_.accept(u'>');
+            if (emptyTag_) return;
+            core_.unexpectedCharacter();
+            if (scanner_.peek() == Scanner::END || scanner_.peek() == u'<') return;
+            space = true;  // told of already
+        } else if (!space && !isNameStart(static_cast<char16_t>(c))) {
+            core_.unexpectedCharacter();
+            scanner_.getCodePoint();
+            space = scanner_.skipSpace();
+        } else {
+            if (!space) core_.error(PARSE_MISSING_ATTRIBUTE_SPACE);
+            readAttribute();
+            space = scanner_.skipSpace();
+        }
+    }
+}
+
+void XmlParserImpl::readAttribute() {
+    const Scanner::Name spelt = scanner_.scanQName();
+    if (!spelt.complete) {
+        readBadAttributeName(spelt);
+        return;
+    }
+    const CachedName& name = core_.find(spelt);
+    scanner_.skipSpace();
+    if (!scanner_.accept(u'=')) {
+        core_.error(PARSE_MISSING_EQUALS);
+        return;
+    }
+    scanner_.skipSpace();
+    ParsedAttribute& attribute = attributes_.add(name.prefix, name.local);
+    if (!core_.readAttributeValue(attribute.value)) {
+        attributes_.removeLast();
+        return;
+    }
+    if (!name.prefix.isEmpty()) hasPrefixedAttribute_ = true;
+    if (!attribute.isNamespaceDeclaration()) return;
+    const UnicodeString& uri = attribute.value;
+    namespaces_.bind(name.prefix.isEmpty() ? RyName() : name.local,
+                     core_.names.findWhole(uri.getBuffer(),
+                                           static_cast<std::size_t>(uri.length())));
+}
+
+/// Reports what was read of the name with what follows up to a delimiter; at least one character is read.
+void XmlParserImpl::readBadAttributeName(const Scanner::Name& name) {
+    UnicodeString text = name.toString();
+    const auto isDelimiter = [](char16_t c) {
+        return isXmlSpace(c) || c == u'=' || c == u'>' || c == u'/' || c == u'<';
+    };
+    scanner_.appendUntil(text, isDelimiter);
+    if (text.isEmpty()) text.append(static_cast<UChar32>(scanner_.getCodePoint()));
+    core_.error(PARSE_BAD_ATTRIBUTE_NAME, text);
+}
+
+// Declared attributes.
+
+/// Collapses values of declared types and adds the defaults of attributes that are not there.
+void XmlParserImpl::applyDefaults(const CachedName& element) {
+    const AttributeDefaults::Declarations* const declarations =
+        defaults_.find(element.prefix, element.local);
+    if (declarations == nullptr) return;
+    const std::size_t given = attributes_.size();
+    for (const AttributeDeclaration& declaration : *declarations) {
+        bool found = false;
+        for (std::size_t i = 0; i < given; ++i) {
+            ParsedAttribute& attribute = attributes_[i];
+            if (attribute.local != declaration.local || attribute.prefix != declaration.prefix)
+                continue;
+            found = true;
+            if (declaration.tokenized) AttributeDefaults::collapse(attribute.value);
+        }
+        if (!found && declaration.hasDefault) addDefault(declaration);
+    }
+}
+
+void XmlParserImpl::addDefault(const AttributeDeclaration& declaration) {
+    core_.countExpansion(declaration.defaultValue.length());
+    ParsedAttribute& attribute = attributes_.add(declaration.prefix, declaration.local);
+    attribute.value = declaration.defaultValue;
+    if (!declaration.prefix.isEmpty()) hasPrefixedAttribute_ = true;
+    if (attribute.isNamespaceDeclaration())
+        namespaces_.bind(declaration.prefix.isEmpty() ? RyName() : declaration.local,
+                         RyName(declaration.defaultValue));
+}
+
+// Namespaces.
+
+/// An unprefixed root of a vocabulary known here is in its namespace without saying so.
+void XmlParserImpl::bindBuiltinVocabulary(const CachedName& root) {
+    if (!root.prefix.isEmpty() || (root.local != RN_svg && root.local != RN_chart)) return;
+    bindVocabulary(RyName(root.local == RN_svg ? UnicodeString(u"http://www.w3.org/2000/svg")
+                                               : UnicodeString(u"urn:ryncommon:chart")));
+}
+
+/// Binds `ns` as the default where there is none, and "xlink" where it is unbound.
+void XmlParserImpl::bindVocabulary(RyName ns) {
+    if (namespaces_.lookup(RyName()).isEmpty()) namespaces_.bind(RyName(), ns);
+    if (namespaces_.lookup(RN_xlink).isEmpty())
+        namespaces_.bind(RN_xlink, RyName(UnicodeString(u"http://www.w3.org/1999/xlink")));
+}
+
+void XmlParserImpl::resolveNamespaces() {
+    NamespaceManager::Element& element = namespaces_.top();
+    const RyName prefix = element.name->prefix;
+    const RyName ns = namespaces_.lookup(prefix);
+    element.ns = ns;
+    if (ns.isEmpty() && !prefix.isEmpty()) core_.error(PARSE_UNDECLARED_PREFIX, prefix.toString());
+    RyName lastPrefix, lastNs;
+    for (std::size_t i = 0; i < attributes_.size(); ++i) {
+        ParsedAttribute& attribute = attributes_[i];
+        if (attribute.prefix.isEmpty()) {
+            if (attribute.local == RN_xmlns) attribute.ns = RN_NS_xmlns;
+            continue;
+        }
+        if (attribute.prefix != lastPrefix) {
+            lastPrefix = attribute.prefix;
+            lastNs = namespaces_.lookup(lastPrefix);
+        }
+        attribute.ns = lastNs;
+        if (!lastNs.isEmpty()) continue;
+        if (core_.feature(TOLERANT_PREFIXES))
+            attribute.ns = lastPrefix;
+        else
+            core_.error(PARSE_UNDECLARED_PREFIX, lastPrefix.toString());
+    }
+    reportDuplicates();
+}
+
+void XmlParserImpl::reportDuplicates() {
+    attributes_.forEachDuplicate([this](const ParsedAttribute& attribute) {
+        core_.error(PARSE_DUPLICATE_ATTRIBUTE, qualified(attribute.prefix, attribute.local));
+    });
+}
+
+// End tags.
+
+/// False for an end tag with nothing open.
+bool XmlParserImpl::readEndTag() {
+    core_.event = END_TAG;
+    const bool open = namespaces_.depth() > 0;
+    const CachedName& expected = open ? *namespaces_.top().name : NO_NAME;
+    // Nearly always the open element's name as it was spelt, and ">".
+    const char16_t* const begin = scanner_.cursor();
+    const std::size_t length = expected.length;
+    if (length != 0 && static_cast<std::size_t>(scanner_.limit() - begin) > length &&
+        begin[length] == u'>' &&
+        equalUnits(begin, expected.text, length)) {
+        scanner_.moveTo(begin + length + 1);
+        return true;
+    }
+    if (isSpaceAt(scanner_)) {
+        core_.error(PARSE_UNEXPECTED_SPACE, UnicodeString(u"</"));
+        scanner_.skipSpace();
+    }
+    const Scanner::Name spelt = scanner_.scanQName();
+    if (!spelt.complete) {
+        core_.error(PARSE_BAD_END_TAG_NAME);
+    } else if (!open || spelt.length != length ||
+               !equalUnits(spelt.text, expected.text, length)) {
+        core_.error(PARSE_END_TAG_MISMATCH, spelt.toString(), qualified(expected));
+    }
+    scanner_.skipSpace();
+    if (!scanner_.accept(u'>')) {
+        core_.unexpectedCharacter();
+        skipToTagEnd();
+    }
+    return open;
+}
+
+/// Behind the next ">", or before the next "<" or the end.
+void XmlParserImpl::skipToTagEnd() {
+    for (int c = scanner_.peek(); c != Scanner::END && c != u'<'; c = scanner_.peek()) {
+        scanner_.skip();
+        if (c == u'>') return;
+    }
+}
+
+}  // namespace RynCommon

@@ -1,0 +1,148 @@
+// The pull parser: turns what the scanner reads into events.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+#include <RynCommon/RyXmlParser.h>
+
+#include "xml/parser/AttributeDefaults.h"
+#include "xml/parser/AttributeList.h"
+#include "xml/parser/NamespaceManager.h"
+#include "xml/parser/ParserCore.h"
+
+namespace RynCommon {
+
+/// The library's own parser. An event without references in it allocates nothing once buffers have grown.
+class XmlParserImpl final : public RyXmlParser, private ParserCore::WindowUser {
+public:
+    XmlParserImpl();
+    ~XmlParserImpl() override;
+
+    static unsigned int getStaticTypeID() { return 0x7B21C9E4u; }
+    unsigned int getTypeID() const override { return getStaticTypeID(); }
+    bool isA(unsigned int id) const override;
+    UnicodeString getTypeName() const override;
+
+    void setFeature(Feature feature, bool on) override;
+    bool getFeature(Feature feature) const override;
+    void setStreamType(const UnicodeString& type, const UnicodeString& charset) override;
+    void setCallbackError(ErrorCallback callback, void* user) override;
+    void setInput(const UnicodeString& uri, const UnicodeString& encoding,
+                  const UnicodeString& baseUri) override;
+    void setInput(std::istream& in, const UnicodeString& encoding,
+                  const UnicodeString& baseUri) override;
+    void closeStream() override;
+    const UnicodeString& getInputEncoding() const override;
+    void defineEntityReplacementText(RyName name, const UnicodeString& text) override;
+    int getNamespaceCount(int depth) const override;
+    RyName getNamespacePrefix(int index) const override;
+    RyName getNamespaceUri(int index) const override;
+    RyName getNamespace() const override;
+    RyName getNamespace(RyName prefix) const override;
+    int getDepth() const override;
+    UnicodeString getPositionDescription() const override;
+    int getLineNumber() const override;
+    int getColumnNumber() const override;
+    bool isWhitespace() const override;
+    const UnicodeString& getText() const override;
+    RyName getName() const override;
+    RyName getPrefix() const override;
+    bool isEmptyElementTag() const override;
+    int getAttributeCount() const override;
+    RyName getAttributeNamespace(int index) const override;
+    RyName getAttributeName(int index) const override;
+    RyName getAttributePrefix(int index) const override;
+    const UnicodeString& getAttributeValue(RyName ns, RyName name) const override;
+    const UnicodeString& getAttributeValue(int index) const override;
+    EventType getEventType() const override;
+    EventType next() override;
+    EventType nextToken() override;
+    const UnicodeString& getBaseUri() const override;
+    void addMathMLEntityMap() override;
+    void setLimits(const RyXmlLimits& limits) override;
+    const RyXmlLimits& getLimits() const override;
+
+private:
+    /// What the characters at the reading point begin; for all but TEXT and END they have been read.
+    enum class Token : std::uint8_t {
+        NONE,  // not looked at yet
+        START_TAG,
+        END_TAG,
+        TEXT,
+        REFERENCE,
+        INSTRUCTION,
+        MARKUP,
+        END
+    };
+
+    // Events (XmlParserImpl.cpp).
+    template <class Read>
+    EventType guarded(Read read);
+    bool prepare();
+    void start();
+    void checkStream();
+    Token peekToken();
+    Token takeToken();
+    EventType mergedEvent();
+    EventType singleEvent();
+    bool readToken(Token token);
+    void readEnd();
+    void resetDocument();
+
+    void windowLeaves() override;
+
+    // Content (Content.cpp).
+    void readText();
+    void readTopLevelText();
+    void readTextOrSpace();
+    bool readReference(bool expand);
+    bool readInstruction(UnicodeString* sink);
+    bool readMarkup(UnicodeString* sink);
+    bool readCdata(UnicodeString* sink);
+    void readClosingBrackets();
+    void topLevelError(const UnicodeString& text);
+
+    // Tags (Tags.cpp).
+    void readStartTag();
+    bool readEndTag();
+    void readAttributes();
+    void readAttribute();
+    void readBadAttributeName(const Scanner::Name& name);
+    void applyDefaults(const CachedName& element);
+    void addDefault(const AttributeDeclaration& declaration);
+    void bindBuiltinVocabulary(const CachedName& root);
+    void bindVocabulary(RyName ns);
+    void resolveNamespaces();
+    void reportDuplicates();
+    void skipToTagEnd();
+
+    // Document type (DoctypeEvent.cpp).
+    void readDoctype();
+    void readExternalSubset(const UnicodeString& systemId);
+    EntityTable readSubsetOf(const UnicodeString& uri);
+
+    const ParsedAttribute& attributeAt(int index, int location) const;
+
+    mutable ParserCore core_;  // positions are counted when they are asked for
+    Scanner& scanner_;
+    NamespaceManager namespaces_;
+    AttributeList attributes_;
+    AttributeDefaults defaults_;
+    UnicodeString text_;   // gathered from several places
+    UnicodeString alias_;  // a text that stands in the window as it is
+    bool isAliased_ = false;
+    RyName entityName_;
+    RyName rootName_;
+    Token token_ = Token::NONE;
+    bool started_ = false;
+    bool failed_ = false;
+    bool rootSeen_ = false;
+    bool doctypeSeen_ = false;
+    bool emptyTag_ = false;
+    bool hasPrefixedAttribute_ = false;
+    UnicodeString streamType_;
+    UnicodeString charset_;
+};
+
+}  // namespace RynCommon

@@ -1,0 +1,51 @@
+// The sibling ring and its operations: the only code that changes links between nodes.
+//
+// A ring is known by its last node. Previous links lead from there to the first node and end in
+// null; next links lead forward, and the last node's leads back to the first. A single node's next
+// link leads to itself. Children and attributes are kept in rings alike; children have a parent
+// link besides. None of the operations touches a reference count, except for the two that take
+// trees apart.
+#pragma once
+
+#include <RynCommon/RyNode.h>
+
+namespace RynCommon {
+
+class NodeLinks {
+public:
+    // Rings. `last` is the owner's slot; a node linked in must be free.
+    static void linkLast(RyNode*& last, RyNode& node);
+    static void linkBefore(RyNode*& last, RyNode& node, RyNode& reference);
+    /// Puts `node` where `old` is and frees `old`.
+    static void replace(RyNode*& last, RyNode& node, RyNode& old);
+    static void unlink(RyNode*& last, RyNode& node);
+    static RyNode* next(const RyNode& node) { return node.next_; }
+
+    // The same on the children of a parent.
+    static void linkLast(RyNode& parent, RyNode& child) {
+        linkLast(parent.last_, child);
+        child.parent_ = &parent;
+    }
+    static void linkBefore(RyNode& parent, RyNode& child, RyNode& reference) {
+        linkBefore(parent.last_, child, reference);
+        child.parent_ = &parent;
+    }
+    static void replace(RyNode& parent, RyNode& child, RyNode& old) {
+        replace(parent.last_, child, old);
+        child.parent_ = &parent;
+        old.parent_ = nullptr;
+    }
+    static void unlink(RyNode& parent, RyNode& child) {
+        unlink(parent.last_, child);
+        child.parent_ = nullptr;
+    }
+
+    /// Releases the children of a node that is being destroyed, and with each that dies all below
+    /// it. Needs no memory, whatever the depth.
+    static void releaseChildren(RyNode& top);
+    /// Frees every node below `top`, also below those that others hold, and releases it. Returns
+    /// the number destroyed.
+    static int dismantle(RyNode& top);
+};
+
+}  // namespace RynCommon

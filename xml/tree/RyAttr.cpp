@@ -1,0 +1,83 @@
+// Attributes.
+#include <RynCommon/RyDocument.h>
+#include <RynCommon/RyXmlUtil.h>
+
+#include "xml/tree/AttrNodeMap.h"
+
+namespace RynCommon {
+
+RyAttr::RyAttr(RyDocument* owner, RyName uri, RyName prefix, RyName local)
+    : RyNode(owner), uri_(uri), prefix_(prefix), local_(local) {}
+
+RyAttr::~RyAttr() = default;
+
+unsigned int RyAttr::getTypeID() const {
+    return getStaticTypeID();
+}
+
+bool RyAttr::isA(unsigned int id) const {
+    return id == RyAttr::getStaticTypeID() || RyNode::isA(id);
+}
+
+UnicodeString RyAttr::getTypeName() const {
+    return u"RyAttr";
+}
+
+RyName RyAttr::getNodeName() const {
+    if (prefix_.isEmpty()) return local_;
+    if (qname_.isEmpty()) qname_ = RyXmlUtil::makeQName(prefix_, local_);
+    return qname_;
+}
+
+void RyAttr::setPrefix(RyName prefix) {
+    prefix_ = prefix;
+    qname_ = RyName();
+    if (map_ != nullptr) map_->nameChanged();
+}
+
+RyValue RyAttr::getNodeValue() const {
+    return holdsText() ? RyValue(text_.toString()) : value_;
+}
+
+void RyAttr::setNodeValue(const RyValue& value) {
+    if (value.isUnknownString()) {
+        setText(value.getStringValue());
+        return;
+    }
+    value_ = value;
+    text_ = RyCompactText();
+    setFlag(FLAG_TEXT, false);
+}
+
+UnicodeString RyAttr::getText() const {
+    return holdsText() ? text_.toString() : value_.toString();
+}
+
+void RyAttr::setText(const UnicodeString& text) {
+    text_ = RyCompactText(text);
+    if (!value_.isNull()) value_ = RyValue();
+    setFlag(FLAG_TEXT, true);
+}
+
+void RyAttr::copyTextTo(UnicodeString& text) const {
+    if (holdsText())
+        text_.copyTo(text);
+    else
+        text = value_.toString();
+}
+
+RyPtr<RyNode> RyAttr::cloneNode(bool) const {
+    RyPtr<RyAttr> copy = getOwnerDocument()->createAttributeNS(uri_, prefix_, local_);
+    copy->setNodeValue(getNodeValue());
+    return RyPtr<RyNode>::adopt(copy.detach());
+}
+
+RyElement* RyAttr::getOwnerElement() const {
+    return map_ != nullptr ? map_->element() : nullptr;
+}
+
+RyAttr* RyAttr::getNextAttribute() const {
+    return map_ != nullptr ? map_->next(*this) : nullptr;
+}
+
+}  // namespace RynCommon
