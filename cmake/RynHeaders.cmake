@@ -1,0 +1,46 @@
+# The public headers, each under the floor that its class is built on. scripts/check-floors.sh reads this list, too.
+set(RYN_HEADERS_platform
+    Export.h
+    Forward.h)
+set(RYN_HEADERS_core
+    RyBuiltinNames.inc
+    RyError.h
+    RyLock.h
+    RyName.h
+    RyNameEnum.h
+    RyNameTable.h
+    RyNamedValue.h
+    RyObject.h
+    RyString.h)
+set(RYN_HEADERS_text
+    RyLang.h
+    RyUUID.h
+    RyUtil.h)
+set(RYN_HEADERS_streams
+    RyDMCStream.h)
+set(RYN_HEADERS_values
+    RyColor.h
+    RyLength.h
+    RyOrientation.h
+    RySide.h
+    RyTokenizer.h
+    RyValue.h
+    RyValueUnit.h
+    RyWritingMode.h
+    TransMatrix.h)
+set(RYN_HEADERS_resources
+    RyUri.h)
+set(RYN_HEADERS_xml
+    MathMLName.h
+    MathMLNames.inc
+    RyDocument.h
+    RyElement.h
+    RyNode.h
+    RyNodeIterator.h
+    RyTextNode.h
+    RyXmlParser.h
+    RyXmlSerializer.h
+    RyXmlUtil.h
+    RynCommon.h
+    SVGName.h
+    SVGNames.inc)

@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Builds the example program in Release and looks at documents with it: the samples and a generated document
+# of 50 MB, or the files and URIs given.
+#   scripts/demo.sh [FILE-OR-URI...]
+set -euo pipefail
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+need_packages "${BUILD_PACKAGES[@]}"
+
+invoked_from=$PWD
+cd "$ROOT"
+configure_preset release -DRYNCOMMON_TESTS=OFF -DRYNCOMMON_EXAMPLES=ON
+say "== release: build"
+cmake --build --preset release --target ryn-inspect ryn-generate >&2
+examples=$ROOT/build/release/examples
+
+if (($#)); then
+    cd "$invoked_from"
+    exec "$examples/ryn-inspect" "$@"
+fi
+large=$ROOT/build/demo/large.fo
+mkdir -p "$(dirname "$large")"
+if [[ ! -f $large ]]; then
+    say "== generating $(basename "$large") (50 MB)"
+    "$examples/ryn-generate" 50 "$large.part"
+    # The name changes once the document is complete.
+    mv "$large.part" "$large"
+fi
+cd examples/data
+samples=()
+for file in *.fo *.svg *.xml; do
+    case $file in
+        broken*) samples+=(--broken "$file") ;;
+        *) samples+=("$file") ;;
+    esac
+done
+exec "$examples/ryn-inspect" "${samples[@]}" "$large"

@@ -1,0 +1,37 @@
+// Sources of bytes that behave like slow connections.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <istream>
+#include <streambuf>
+#include <string>
+#include <utility>
+
+namespace RynCommon {
+
+/// Has `ready` bytes in its buffer at a time; when they are taken it says that nothing is known to
+/// be ready, and counts how many bytes it was made to deliver.
+class ChunkSource : public std::streambuf {
+public:
+    ChunkSource(std::string bytes, std::size_t ready) : bytes_(std::move(bytes)), ready_(ready) {}
+
+    std::size_t getDelivered() const { return delivered_; }
+
+protected:
+    int_type underflow() override {
+        const std::size_t count = std::min(ready_, bytes_.size() - delivered_);
+        if (count == 0) return traits_type::eof();
+        char* const start = bytes_.data() + delivered_;
+        setg(start, start, start + count);
+        delivered_ += count;
+        return traits_type::to_int_type(*start);
+    }
+
+private:
+    std::string bytes_;
+    std::size_t ready_;
+    std::size_t delivered_ = 0;
+};
+
+}  // namespace RynCommon

@@ -1,0 +1,206 @@
+// Writing through the conversion streams.
+#include <RynCommon/RyDMCStream.h>
+
+#include <gtest/gtest.h>
+
+#include <iterator>
+#include <sstream>
+#include <string>
+
+namespace RynCommon {
+namespace {
+
+struct Options {
+    bool mark = false;
+    RyDMCOStreamBuf::LF_CONVERT mode = RyDMCOStreamBuf::LF_NONE;
+    bool strict = false;
+};
+
+std::string encode(const UnicodeString& text, const char* encoding, const Options& options = {}) {
+    std::ostringstream bytes;
+    {
+        RyDMCOStream out(&bytes, encoding, options.mark, options.mode, options.strict);
+        out.writeString(text);
+    }
+    return bytes.str();
+}
+
+TEST(DMCOStreamTest, EncodesAndSubstitutes) {
+    const struct {
+        const char* what;
+        const char* encoding;
+        UnicodeString text;
+        std::string expected;
+    } rows[] = {
+        {"plain", "Shift_JIS", u"a漢字", "a\x8A\xBF\x8E\x9A"},
+        {"geta", "Shift_JIS", u"a\u0E01b",
+         "a\x81\xAC"
+         "b"},
+        {"geta, supplementary", "EUC-JP", u"\U0001F600", "\xA2\xAE"},
+        {"question mark", "windows-1252", u"\u0E01€", "?\x80"},
+        {"ignorable character", "US-ASCII", u"a\u200Db", "a?b"},
+        {"shift states end", "ISO-2022-JP", u"a漢", "a\x1B$B4A\x1B(B"},
+        {"geta in a shift state", "ISO-2022-JP", u"漢\u0E01", "\x1B$B4A\".\x1B(B"},
+        {"lone surrogate", "UTF-8", UnicodeString(u"a\xD800", 2), "a\xE3\x80\x93"},
+        {"lone surrogate inside", "windows-1252", UnicodeString(u"\xDC00z", 2), "?z"},
+        {"little-endian, no mark", "UTF-16", u"a", std::string("a\0", 2)},
+        {"big-endian", "UTF-16BE", u"a", std::string("\0a", 2)},
+        {"32 bits", "UTF-32", u"\U0001F600", std::string("\x00\xF6\x01\x00", 4)},
+        {"nothing", "Shift_JIS", u"", ""},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(encode(row.text, row.encoding), row.expected) << row.what;
+    }
+}
+
+TEST(DMCOStreamTest, ByteOrderMarks) {
+    const struct {
+        const char* encoding;
+        std::string expected;
+    } rows[] = {
+        {"UTF-8",
+         "\xEF\xBB\xBF"
+         "a"},
+        {"UTF-16", std::string("\xFF\xFE"
+                               "a\0",
+                               4)},
+        {"UTF-16BE", std::string("\xFE\xFF\0a", 4)},
+        {"x-UTF-16LE-BOM", std::string("\xFF\xFE"
+                                       "a\0",
+                                       4)},
+        {"UTF-32BE", std::string("\0\0\xFE\xFF\0\0\0a", 8)},
+        {"Shift_JIS", "a"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(encode(u"a", row.encoding, {true, RyDMCOStreamBuf::LF_CRLF}), row.expected)
+            << row.encoding;
+    }
+}
+
+TEST(DMCOStreamTest, LineEnds) {
+    const UnicodeString text = u"a\nb\r\nc\rd\n\r\r\n";
+    const struct {
+        RyDMCOStreamBuf::LF_CONVERT mode;
+        std::string expected;
+    } rows[] = {
+        {RyDMCOStreamBuf::LF_NONE, "a\nb\r\nc\rd\n\r\r\n"},
+        {RyDMCOStreamBuf::LF_LF, "a\nb\nc\nd\n\n\n"},
+        {RyDMCOStreamBuf::LF_CRLF, "a\r\nb\r\nc\r\nd\r\n\r\n\r\n"},
+        {RyDMCOStreamBuf::LF_CR, "a\rb\rc\rd\r\r\r"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(encode(text, "US-ASCII", {false, row.mode}), row.expected) << row.mode;
+        std::ostringstream bytes;
+        RyDMCOStream out(&bytes, "US-ASCII", false, row.mode);
+        for (std::int32_t i = 0; i < text.length(); ++i) {
+            out.writeString(UnicodeString(text[i]));
+            out.flush();
+        }
+        EXPECT_EQ(bytes.str(), row.expected) << row.mode << ", unit by unit";
+    }
+}
+
+TEST(DMCOStreamTest, StrictDataEndsAtTheFirstMissingCharacter) {
+    std::ostringstream bytes;
+    RyDMCOStream out(&bytes, "windows-1252", false, RyDMCOStreamBuf::LF_NONE, true);
+    out.writeString(u"ab\u0E01cd");
+    EXPECT_FALSE(out.flush());
+    EXPECT_EQ(bytes.str(), "ab");
+    EXPECT_FALSE(out.writeString(u"e"));
+    EXPECT_FALSE(out.writeRawBuffer("f", 1));
+    EXPECT_EQ(bytes.str(), "ab");
+    EXPECT_EQ(encode(u"漢a", "Shift_JIS", {false, RyDMCOStreamBuf::LF_NONE, true}),
+              "\x8A\xBF"
+              "a");
+}
+
+TEST(DMCOStreamTest, LongTextsInPiecesOfAnySize) {
+    UnicodeString text;
+    std::string expected;
+    while (text.length() < 10'000) {
+        text += u"a\U0001F600\n漢";
+        expected += "a\xF0\x9F\x98\x80\r\n\xE6\xBC\xA2";
+    }
+    for (const int piece : {1, 2, 3, 255, 256, 257, 2047, 2048, 10'000}) {
+        std::ostringstream bytes;
+        {
+            RyDMCOStream out(&bytes, "UTF-8", false, RyDMCOStreamBuf::LF_CRLF);
+            for (int i = 0; i < text.length(); i += piece) {
+                out.writeString(text.tempSubString(i, piece));
+            }
+        }
+        EXPECT_TRUE(bytes.str() == expected) << piece;
+    }
+}
+
+TEST(DMCOStreamTest, HalvesOfUnitsAndPairsSurviveAFlush) {
+    std::ostringstream bytes;
+    {
+        RyDMCOStream out(&bytes, "UTF-8");
+        for (const char c : {'\x3D', '\xD8', '\x00', '\xDE', 'a', '\0', 'b'}) {
+            out.put(c);
+            out.flush();
+        }
+        EXPECT_EQ(bytes.str(),
+                  "\xF0\x9F\x98\x80"
+                  "a");
+    }
+    EXPECT_EQ(bytes.str(),
+              "\xF0\x9F\x98\x80"
+              "a")
+        << "half a unit at the end is dropped";
+}
+
+TEST(DMCOStreamTest, RawBytesFollowTheText) {
+    std::ostringstream bytes;
+    RyDMCOStream out(&bytes, "ISO-2022-JP");
+    std::istringstream raw(std::string(10'000, '='));
+    EXPECT_TRUE(out.writeString(u"漢"));
+    EXPECT_TRUE(out.writeRawBuffer("raw", 3));
+    EXPECT_TRUE(out.writeString(u"字"));
+    EXPECT_TRUE(out.writeRawStream(raw));
+    EXPECT_EQ(bytes.str(), "\x1B$B4A\x1B(Braw\x1B$B;z\x1B(B" + std::string(10'000, '='));
+    EXPECT_EQ(out.getOutputLength(), bytes.str().size());
+    EXPECT_EQ(out.getOutputStream(), &bytes);
+}
+
+TEST(DMCOStreamTest, TheLimitCountsWrittenBytesAndCutsNothing) {
+    std::ostringstream bytes;
+    RyDMCOStream out(&bytes, "UTF-8");
+    out.setLimit(3);
+    out.writeString(u"漢");
+    EXPECT_EQ(out.getOutputLength(), 0U) << "still in the buffer";
+    out.flush();
+    EXPECT_EQ(out.getOutputLength(), 3U);
+    EXPECT_FALSE(out.isLimitOver());
+    out.writeRawBuffer("x", 1);
+    EXPECT_TRUE(out.isLimitOver());
+    out.writeString(u"y");
+    out.flush();
+    EXPECT_EQ(bytes.str(), "\xE6\xBC\xA2xy");
+    out.setLimit(0);
+    EXPECT_FALSE(out.isLimitOver());
+}
+
+TEST(DMCOStreamTest, ClosedAndBrokenDestinations) {
+    std::ostringstream bytes;
+    for (const char* const name : {"no-such-encoding", "UTF-7", "IBM037", "UTF-8,swaplfnl"}) {
+        RyDMCOStream closed(&bytes, name, true);
+        EXPECT_FALSE(closed.is_open());
+        EXPECT_FALSE(closed.writeString(u"a"));
+        EXPECT_FALSE(closed.writeRawBuffer("a", 1));
+        EXPECT_FALSE(closed.put('a'));
+    }
+    EXPECT_EQ(bytes.str(), "");
+    EXPECT_FALSE(RyDMCOStream(nullptr, "UTF-8").is_open());
+    EXPECT_FALSE(RyDMCOStream(&bytes, nullptr).is_open());
+    std::ostream broken(nullptr);
+    RyDMCOStream out(&broken, "UTF-8");
+    EXPECT_TRUE(out.is_open());
+    out.writeString(u"a");
+    EXPECT_FALSE(out.flush());
+    EXPECT_EQ(out.getOutputLength(), 0U);
+}
+
+}  // namespace
+}  // namespace RynCommon
