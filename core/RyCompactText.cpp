@@ -1,8 +1,11 @@
 // Text in exactly the room it needs.
 //
 // A block is four bytes of length and width followed by the units, in one allocation. Most texts of
-// documents are Latin-1 and take half the room of UTF-16.
+// documents are Latin-1 and take half the room of UTF-16; many values are so short that they fit
+// into the pointer, which saves the allocation.
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <new>
 #include <utility>
 
@@ -16,7 +19,6 @@ struct RyCompactText::Block {
     std::uint32_t lengthAndWidth;  // the length times two, plus one where units take two bytes
 
     static Block* make(const char16_t* text, std::int32_t length) {
-        if (length <= 0) return nullptr;
         const std::size_t n = static_cast<std::size_t>(length);
         const bool wide = !isLatin1(text, n);
         Block* const block = allocate(n, wide);
@@ -28,7 +30,6 @@ struct RyCompactText::Block {
     }
 
     static Block* copy(const Block* other) {
-        if (other == nullptr) return nullptr;
         Block* const block = allocate(other->length(), other->isWide());
         std::memcpy(block->bytes(), other->bytes(), other->size());
         return block;
@@ -58,33 +59,70 @@ private:
     }
 };
 
-RyCompactText::RyCompactText(const char16_t* text, std::int32_t length)
-    : block_(Block::make(text, length)) {}
+namespace {
 
-RyCompactText::RyCompactText(const UnicodeString& text)
-    : RyCompactText(text.getBuffer(), text.length()) {}
+constexpr std::size_t SHORT_MOST = sizeof(std::uintptr_t) - 1;
 
-RyCompactText::RyCompactText(const RyCompactText& other) : block_(Block::copy(other.block_)) {}
+std::size_t shortLength(std::uintptr_t word) {
+    return word >> 1 & 7;
+}
 
-RyCompactText::RyCompactText(RyCompactText&& other) noexcept
-    : block_(std::exchange(other.block_, nullptr)) {}
+std::uintptr_t shortUnit(std::uintptr_t word, std::size_t index) {
+    return word >> (8 * (index + 1)) & 0xFF;
+}
+
+/// The word of a text of 1 to SHORT_MOST units, or 0 when one of them is not Latin-1.
+std::uintptr_t packShort(const char16_t* text, std::size_t length) {
+    std::uintptr_t word = 1 | length << 1;
+    char16_t all = 0;
+    for (std::size_t i = 0; i < length; ++i) {
+        all = static_cast<char16_t>(all | text[i]);
+        word |= static_cast<std::uintptr_t>(text[i] & 0xFF) << (8 * (i + 1));
+    }
+    return all < 0x100 ? word : 0;
+}
+
+}  // namespace
+
+RyCompactText::RyCompactText(const char16_t* text, std::int32_t length) {
+    if (length <= 0) return;
+    const std::size_t n = static_cast<std::size_t>(length);
+    if (n <= SHORT_MOST) word_ = packShort(text, n);
+    if (word_ == 0) word_ = reinterpret_cast<std::uintptr_t>(Block::make(text, length));
+}
+
+RyCompactText::RyCompactText(const RyCompactText& other)
+    : word_(other.hasBlock() ? reinterpret_cast<std::uintptr_t>(Block::copy(other.block()))
+                             : other.word_) {}
 
 RyCompactText& RyCompactText::operator=(const RyCompactText& other) {
-    if (this != &other) Block::free(std::exchange(block_, Block::copy(other.block_)));
+    if (this != &other) *this = RyCompactText(other);
     return *this;
 }
 
 RyCompactText& RyCompactText::operator=(RyCompactText&& other) noexcept {
-    if (this != &other) Block::free(std::exchange(block_, std::exchange(other.block_, nullptr)));
+    if (this == &other) return *this;
+    if (hasBlock()) freeBlock();
+    word_ = std::exchange(other.word_, 0);
     return *this;
 }
 
-RyCompactText::~RyCompactText() {
-    Block::free(block_);
+void RyCompactText::freeBlock() {
+    Block::free(block());
 }
 
 std::int32_t RyCompactText::length() const {
-    return block_ == nullptr ? 0 : static_cast<std::int32_t>(block_->length());
+    return static_cast<std::int32_t>(hasBlock() ? block()->length() : shortLength(word_));
+}
+
+// Units from `from` on; `to` has room for `count`.
+void RyCompactText::copyUnits(std::size_t from, std::size_t count, char16_t* to) const {
+    if (hasBlock()) {
+        block()->copyUnits(from, count, to);
+        return;
+    }
+    for (std::size_t i = 0; i < count; ++i)
+        to[i] = static_cast<char16_t>(shortUnit(word_, from + i));
 }
 
 UnicodeString RyCompactText::toString() const {
@@ -95,25 +133,25 @@ UnicodeString RyCompactText::toString() const {
 
 void RyCompactText::copyTo(UnicodeString& text) const {
     text.remove();
-    if (block_ == nullptr) return;
+    if (isEmpty()) return;
     char16_t* const to = text.getBuffer(length());
     if (to == nullptr) throw std::bad_alloc();
-    block_->copyUnits(0, block_->length(), to);
+    copyUnits(0, static_cast<std::size_t>(length()), to);
     text.releaseBuffer(length());
 }
 
 void RyCompactText::appendTo(UnicodeString& text) const {
-    if (block_ == nullptr) return;
-    if (block_->isWide()) {
-        text.append(block_->units(), length());
+    if (hasBlock() && block()->isWide()) {
+        text.append(block()->units(), length());
         return;
     }
     // In pieces: the string's own append grows its buffer by more than it needs, which keeps long
     // series linear.
     char16_t piece[512];
-    for (std::size_t at = 0; at < block_->length();) {
-        const std::size_t count = std::min(block_->length() - at, std::size(piece));
-        block_->copyUnits(at, count, piece);
+    const std::size_t all = static_cast<std::size_t>(length());
+    for (std::size_t at = 0; at < all;) {
+        const std::size_t count = std::min(all - at, std::size(piece));
+        copyUnits(at, count, piece);
         text.append(piece, static_cast<std::int32_t>(count));
         at += count;
     }
@@ -121,12 +159,12 @@ void RyCompactText::appendTo(UnicodeString& text) const {
 
 bool RyCompactText::equals(const UnicodeString& text) const {
     if (length() != text.length()) return false;
-    if (block_ == nullptr) return true;
     const char16_t* const units = text.getBuffer();
-    if (block_->isWide()) return std::memcmp(block_->bytes(), units, block_->size()) == 0;
-    const std::uint8_t* const bytes = block_->bytes();
-    for (std::size_t i = 0; i < block_->length(); ++i) {
-        if (units[i] != bytes[i]) return false;
+    const std::size_t all = static_cast<std::size_t>(length());
+    if (hasBlock() && block()->isWide()) return std::memcmp(block()->bytes(), units, 2 * all) == 0;
+    for (std::size_t i = 0; i < all; ++i) {
+        const std::uintptr_t unit = hasBlock() ? block()->bytes()[i] : shortUnit(word_, i);
+        if (units[i] != unit) return false;
     }
     return true;
 }

@@ -1,8 +1,8 @@
 // Scans and comparisons that mostly end within a few units, in line.
 //
-// The vector kernels of UnitScan.h pay from some ten units on; a call costs more than a look at the first units, where
-// the texts, values and names of dense documents end. Each function looks at the first few itself and leaves longer
-// runs to the kernel, so that both give the same answer.
+// The vector kernels of UnitScan.h pay from some ten units on; a call costs more than a look at the
+// first units, where the texts, values and names of dense documents end. Each function looks at the
+// first few itself and leaves longer runs to the kernel, so that both give the same answer.
 #pragma once
 
 #include <bit>
@@ -25,7 +25,8 @@ inline std::uint64_t loadUnits(const char16_t* p) {
     return word;
 }
 
-/// Marks the top bit of each 16-bit lane that is `unit`; exact in the lowest marked lane, which is the one that counts.
+/// Marks the top bit of each 16-bit lane that is `unit`; exact in the lowest marked lane, which is
+/// the one that counts.
 constexpr std::uint64_t markEqual(std::uint64_t word, char16_t unit) {
     const std::uint64_t x = word ^ LANE_ONES * unit;
     return (x - LANE_ONES) & ~x & LANE_TOPS;

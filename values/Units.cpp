@@ -47,6 +47,59 @@ constexpr std::array<Unit, 32> makeUnits() {
 
 constexpr std::array<Unit, 32> UNITS = makeUnits();
 
+/// Number of characters of the longest unit text.
+constexpr std::size_t LONGEST_UNIT = 4;
+constexpr std::size_t SLOT_COUNT = 64;
+
+constexpr std::size_t slotOf(std::uint64_t key, std::uint64_t multiplier) {
+    return key * multiplier >> 58;
+}
+
+/// Texts of units as numbers, one character in 16 bits, each in a slot of its own.
+struct SuffixTable {
+    std::uint64_t multiplier = 0;
+    std::array<std::uint64_t, SLOT_COUNT> keys{};
+    std::array<RyValueUnitType, SLOT_COUNT> units{};
+};
+
+/// 0 for a unit without a text.
+consteval std::array<std::uint64_t, 32> makeKeys() {
+    std::array<std::uint64_t, 32> keys{};
+#define RYN_BUILTIN_NAME(number, identifier, text) text,
+    constexpr const char* TEXTS[] = {
+        "",
+#include <RynCommon/RyBuiltinNames.inc>
+    };
+#undef RYN_BUILTIN_NAME
+    for (std::size_t unit = 0; unit < keys.size(); ++unit) {
+        const char* const text = TEXTS[UNITS[unit].name];
+        for (std::size_t i = 0; text[i] != '\0'; ++i) {
+            if (i == LONGEST_UNIT) throw "a unit text is too long";
+            keys[unit] |= std::uint64_t{static_cast<unsigned char>(text[i])} << 16 * i;
+        }
+    }
+    return keys;
+}
+
+consteval SuffixTable makeSuffixes() {
+    const std::array<std::uint64_t, 32> keys = makeKeys();
+    // Odd multipliers are tried until no two keys meet.
+    for (std::uint64_t multiplier = 0x9E3779B97F4A7C15u;; multiplier += 0x3C6EF372FE94F82Au) {
+        SuffixTable table;
+        table.multiplier = multiplier;
+        bool isPerfect = true;
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            if (keys[i] == 0) continue;
+            const std::size_t slot = slotOf(keys[i], multiplier);
+            isPerfect = isPerfect && table.keys[slot] == 0;
+            table.keys[slot] = keys[i];
+            table.units[slot] = static_cast<RyValueUnitType>(i);
+        }
+        if (isPerfect) return table;
+    }
+}
+constexpr SuffixTable SUFFIXES = makeSuffixes();
+
 constexpr float NO_NUMBER = std::numeric_limits<float>::quiet_NaN();
 
 /// Angles have a factor of their own for each pair. The one from degrees to grads is that of
@@ -70,6 +123,18 @@ float convertAcrossClasses(float value, UnitClass from, UnitClass to) {
 
 const Unit& getUnit(RyValueUnitType unit) {
     return UNITS[unit & 31];
+}
+
+RyValueUnitType findUnit(std::u16string_view suffix) {
+    if (suffix == u"%") return RYUNIT_PERCENTAGE;
+    if (suffix.empty() || suffix.size() > LONGEST_UNIT) return RYUNIT_NONE;
+    // A unit beyond ASCII keeps a bit that no key has. Of those only the Kelvin sign has an ASCII
+    // lower case, "k", which is in no unit that can be found.
+    std::uint64_t key = 0;
+    for (std::size_t i = 0; i < suffix.size(); ++i)
+        key |= std::uint64_t{suffix[i] | 0x20u} << 16 * i;
+    const std::size_t slot = slotOf(key, SUFFIXES.multiplier);
+    return SUFFIXES.keys[slot] == key ? SUFFIXES.units[slot] : RYUNIT_NONE;
 }
 
 const UnicodeString& getUnitText(RyValueUnitType unit) {

@@ -1,6 +1,8 @@
 // The units of property values: what there is to know of each, and conversion between them.
 #pragma once
 
+#include <string_view>
+
 #include <RynCommon/RyName.h>
 #include <RynCommon/RyValueUnit.h>
 
@@ -34,6 +36,10 @@ struct Unit {
 
 /// The row of a unit; numbers above 31 wrap, as they do in a value's tag.
 const Unit& getUnit(RyValueUnitType unit);
+
+/// The unit whose text is that suffix in lower case; NONE for any other suffix. Texts with capitals
+/// ("Hz", "kHz") are never found.
+RyValueUnitType findUnit(std::u16string_view suffix);
 
 /// Text of a unit, empty where it has none.
 const UnicodeString& getUnitText(RyValueUnitType unit);

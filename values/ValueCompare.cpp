@@ -4,6 +4,8 @@
 #include <RynCommon/RyNamedValue.h>
 #include <RynCommon/RyValue.h>
 
+#include "values/ColorValue.h"
+
 namespace RynCommon {
 
 namespace {
@@ -45,8 +47,8 @@ bool isLessNumber(const RyValue& a, const RyValue& b) {
                              : pair.a.getUnitType() < pair.b.getUnitType();
 }
 
-/// Colours with a profile are equal when their components are: entries of the same names with equal
-/// values. A component is a number or a text, so nothing is entered more than one level deep.
+/// Compounds of the colour unit that are no colours: equal when they have entries of the same names
+/// with equal values. Nothing is entered more than one level deep.
 bool equalComponents(const RyNamedValueMap& a, const RyNamedValueMap& b) {
     if (a.getCount() != b.getCount()) return false;
     RyNamedValueMapIterator left(&a);
@@ -66,7 +68,13 @@ bool equalCompounds(const RyValue& a, const RyValue& b) {
     const RyNamedValueMap* const left = a.getNamedValueMap();
     const RyNamedValueMap* const right = b.getNamedValueMap();
     if (left == right) return true;
-    return a.isColor() && b.isColor() && equalComponents(*left, *right);
+    if (!a.isColor() || !b.isColor()) return false;
+    RyColor leftColor;
+    RyColor rightColor;
+    const bool isLeftColor = readColorValue(a, leftColor);
+    const bool isRightColor = readColorValue(b, rightColor);
+    if (isLeftColor && isRightColor) return leftColor == rightColor;
+    return isLeftColor == isRightColor && equalComponents(*left, *right);
 }
 
 }  // namespace

@@ -101,14 +101,13 @@ RyPtr<RyDocument> makeLazyDocument(std::istream& in) {
     return document;
 }
 
-/// Time and memory until the first element is there; in a process that has (not) loaded a document
-/// before.
-void measureFirstElement(std::uint64_t megabytes, bool warm) {
-    if (warm) {
-        GeneratedDocument in(100'000);
-        RyPtr<RyDocument> document(new RyDocument);
-        document->load(in);
-    }
+struct FirstElement {
+    double milliseconds;
+    double ownBytes;
+    double heapBytes;
+};
+
+FirstElement awaitFirstElement(std::uint64_t megabytes) {
     GeneratedDocument in(megabytes * 1'000'000);
     const MemoryMeter memory;
     const Clock clock;
@@ -116,13 +115,25 @@ void measureFirstElement(std::uint64_t megabytes, bool warm) {
     const RyNode* const first = document->getFirstChild();
     const double elapsed = clock.getElapsedMilliseconds();
     if (first == nullptr) throw std::runtime_error("the document has no element");
-
-    std::printf("First element of %llu MB, %s process\n",
-                static_cast<unsigned long long>(megabytes), warm ? "warm" : "fresh");
-    reportTarget("time after load()", elapsed, "ms", 1);
-    reportTarget("resident memory of its own", memory.getOwnGrowth() / MIB, "MiB", 1);
-    reportTarget("live heap", memory.getHeapGrowth() / MIB, "MiB", 1);
+    const FirstElement result{elapsed, memory.getOwnGrowth(), memory.getHeapGrowth()};
     document->abort();
+    return result;
+}
+
+/// Time and memory until the first element is there: of the first document that a process loads,
+/// and of later ones, of which the quickest counts, so that a moment without the processor does
+/// not.
+void measureFirstElement(std::uint64_t megabytes, int documents) {
+    FirstElement best = awaitFirstElement(megabytes);
+    for (int i = 1; i < documents; ++i) {
+        const FirstElement next = awaitFirstElement(megabytes);
+        if (i == 1 || next.milliseconds < best.milliseconds) best = next;
+    }
+    std::printf("First element of %llu MB, %s\n", static_cast<unsigned long long>(megabytes),
+                documents == 1 ? "first document of a process" : "later document");
+    reportTarget("time after load()", best.milliseconds, "ms", 1);
+    reportTarget("resident memory of its own", best.ownBytes / MIB, "MiB", 1);
+    reportTarget("live heap", best.heapBytes / MIB, "MiB", 1);
 }
 
 struct Walked {
@@ -237,8 +248,8 @@ Options parseOptions(int argc, char** argv) {
 }
 
 void measureAll(const Options& options) {
-    for (const bool warm : {false, true})
-        inOwnProcess([&] { measureFirstElement(options.largestMb, warm); });
+    for (const int documents : {1, 10})
+        inOwnProcess([&] { measureFirstElement(options.largestMb, documents); });
 
     std::puts("\nLazy walk that removes what it has finished");
     for (std::uint64_t size = 1; size < options.largestMb; size *= 4)

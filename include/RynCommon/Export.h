@@ -1,5 +1,5 @@
-// The one export macro. A shared build exports what carries RYNCOMMON_API and hides all else; a static build defines
-// RYNCOMMON_STATIC, for the library and for those who link it.
+// The one export macro. A shared build exports what carries RYNCOMMON_API and hides all else; a
+// static build defines RYNCOMMON_STATIC, for the library and for those who link it.
 #pragma once
 
 #if defined(RYNCOMMON_STATIC)

@@ -6,8 +6,9 @@
 
 namespace RynCommon {
 
-/// Element and attribute names of MathML 2.0 (Second Edition), numbered from 1 in byte order of their texts; 0 is the
-/// empty value. `MATHML_xlink_href` is "xlink:href": each character that C++ does not allow is "_".
+/// Element and attribute names of MathML 2.0 (Second Edition), numbered from 1 in byte order of
+/// their texts; 0 is the empty value. `MATHML_xlink_href` is "xlink:href": each character that C++
+/// does not allow is "_".
 enum MathMLNameEnum : std::int32_t {
     MATHML_EMPTY = 0,
 #define RYN_VOCABULARY_NAME(number, identifier, text) MATHML_##identifier = number,

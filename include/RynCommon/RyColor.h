@@ -9,22 +9,24 @@
 
 namespace RynCommon {
 
-/// A colour. Every colour has an sRGB value, 0x00RRGGBB, or one of three reserved values: the transparent, the current
-/// and the invalid colour. A plain colour is no more than that; the other kinds carry a profile: device CMYK, a level
-/// of gray, a separation (a named colorant with a tint and, perhaps, an alternate CMYK colour) or an ICC profile with
-/// component values. The sRGB value of those is what stands for them where the profile cannot be used (the fallback).
+/// A colour. Every colour has an sRGB value, 0x00RRGGBB, or one of three reserved values: the
+/// transparent, the current and the invalid colour. A plain colour is no more than that; the other
+/// kinds carry a profile: device CMYK, a level of gray, a separation (a named colorant with a tint
+/// and, perhaps, an alternate CMYK colour) or an ICC profile with component values. The sRGB value
+/// of those is what stands for them where the profile cannot be used (the fallback).
 ///
-/// Components lie in 0 to 1; constructors clamp them first, NaN counts as 0. A base colour gives its sRGB value only,
-/// and the invalid colour as a base counts as black. No operation throws, except for lack of memory. A plain value, not
-/// synchronised.
+/// Components lie in 0 to 1; constructors clamp them first, NaN counts as 0. A base colour gives
+/// its sRGB value only, and the invalid colour as a base counts as black. No operation throws,
+/// except for lack of memory. A plain value, not synchronised.
 class RYNCOMMON_API RyColor {
 public:
     /// Plain black.
     RyColor() = default;
-    /// A plain colour. Of numbers that are neither an sRGB value nor reserved the low 24 bits are taken.
+    /// A plain colour. Of numbers that are neither an sRGB value nor reserved the low 24 bits are
+    /// taken.
     template <std::integral T>
-        requires(!std::same_as<T, bool>)
-    explicit RyColor(T rgb) : RyColor(Plain(), static_cast<std::uint32_t>(rgb)) {}
+    requires(!std::same_as<T, bool>) explicit RyColor(T rgb)
+        : RyColor(Plain(), static_cast<std::uint32_t>(rgb)) {}
     template <std::same_as<bool> Bool>
     explicit RyColor(Bool) = delete;
     /// A plain colour; each component is clamped to 0 to 255.
@@ -35,19 +37,21 @@ public:
     /// CMYK, the sRGB value being cmyk2rgb of the components.
     RyColor(float c, float m, float y, float k);
     RyColor(const RyColor& base, float c, float m, float y, float k);
-    /// A separation without an alternate; an empty name stands for "All". The alternate components read as 1, the sRGB
-    /// value is the gray of 1 - tint.
+    /// A separation without an alternate; an empty name stands for "All". The alternate components
+    /// read as 1, the sRGB value is the gray of 1 - tint.
     RyColor(const UnicodeString& name, float tint);
     RyColor(const RyColor& base, const UnicodeString& name, float tint);
-    /// A separation with an alternate. The sRGB value is cmyk2rgb of the alternate, without regard to the tint.
+    /// A separation with an alternate. The sRGB value is cmyk2rgb of the alternate, without regard
+    /// to the tint.
     RyColor(const UnicodeString& name, float tint, float c, float m, float y, float k);
     RyColor(const RyColor& base, const UnicodeString& name, float tint, float c, float m, float y,
             float k);
     /// A colour of the ICC profile of that name.
     RyColor(const RyColor& base, const UnicodeString& profile, float value0, float value1,
             float value2, float value3);
-    /// The colour of a keyword: the 147 of SVG 1.1, "transparent" and "currentColor". Any other name is tried again in
-    /// lower case (of the root locale); the invalid colour when that is no keyword, either. Interns nothing.
+    /// The colour of a keyword: the 147 of SVG 1.1, "transparent" and "currentColor". Any other
+    /// name is tried again in lower case (of the root locale); the invalid colour when that is no
+    /// keyword, either. Interns nothing.
     explicit RyColor(RyName keyword);
     explicit RyColor(RyNameEnum keyword) : RyColor(RyName(keyword)) {}
     /// See RyValue::getColorValue.
@@ -87,8 +91,8 @@ public:
     bool isRegistration() const { return isSeparation() && isRegistrationName(name_); }
     static bool isRegistrationName(const UnicodeString& name);
 
-    /// The components share their storage; each of these is meaningful for its own kind only and reads whatever lies in
-    /// its place for the others.
+    /// The components share their storage; each of these is meaningful for its own kind only and
+    /// reads whatever lies in its place for the others.
     float getC() const { return getSlot(0); }
     float getM() const { return getSlot(1); }
     float getY() const { return getSlot(2); }
@@ -108,20 +112,23 @@ public:
     bool hasSeparationRGB() const { return isSeparation() && hasFlag(5, 0); }
     bool hasSeparationTint() const { return isSeparation() && hasFlag(5, 1); }
     bool hasSeparationCMYK() const { return isSeparation() && hasFlag(5, 2); }
-    /// Sets the three flags of a separation, and nothing else; other kinds stay as they are. A text does not carry what
-    /// the flags then contradict (an sRGB value that is said to be computed and is not, a tint said to be missing).
+    /// Sets the three flags of a separation, and nothing else; other kinds stay as they are. A text
+    /// does not carry what the flags then contradict (an sRGB value that is said to be computed and
+    /// is not, a tint said to be missing).
     void adjustSeparationFlags(bool rgb, bool tint, bool cmyk);
 
     /// Name of the ICC profile, interned; the empty name for other kinds.
     RyName getICCColorProfileName() const;
     /// Name of the colorant; empty for other kinds.
     const UnicodeString& getSeparationColorName() const;
-    /// What a separation looks like: cmyk2rgb of the alternate scaled by the tint, or the gray of 1 - tint when there is
-    /// no alternate. For other kinds the sRGB value.
+    /// What a separation looks like: cmyk2rgb of the alternate scaled by the tint, or the gray of 1
+    /// - tint when there is no alternate. For other kinds the sRGB value.
     unsigned int getSeparationRGB() const;
 
     static unsigned int cmyk2rgb(float c, float m, float y, float k);
-    /// The CMYK colour with as much black as possible; its sRGB value is computed back.
+    /// The CMYK colour that takes the gray part of each channel as black. Its sRGB value is
+    /// computed by cmyk2rgb, and as the inks are not scaled by what black leaves, it is lighter
+    /// than `rgb` for mixed colours, deliberately.
     static RyColor rgb2cmyk(unsigned int rgb);
 
     /// A plain colour of two thirds of each channel.
@@ -129,25 +136,28 @@ public:
     /// A plain colour half way to white in each channel.
     RyColor getLight() const;
 
-    /// The keyword of the sRGB value (or of a reserved one), the one of the lowest name number where two fit: "aqua",
-    /// "fuchsia", the "gray" spellings. The empty name when there is none.
+    /// The keyword of the sRGB value (or of a reserved one), the one of the lowest name number
+    /// where two fit: "aqua", "fuchsia", the "gray" spellings. The empty name when there is none.
     RyName getColorName() const;
 
-    /// The text form. Plain: the keyword, when `named` and there is one, or "#RRGGBB"; "transparent", "currentColor";
-    /// nothing for the invalid colour. With a profile: "#RRGGBB icc-color(#CMYK,c,m,y,k)" when `named`, else
-    /// "rgb-icc(r,g,b,#CMYK,c,m,y,k)", a level of gray likewise with "#GRAYSCALE" and one number, a separation with its
-    /// name, the tint and, when there is one, its alternate, an ICC colour with its name and four values. Names that
-    /// are no plain words are quoted. Numbers are written as "%g".
+    /// The text form. Plain: the keyword, when `named` and there is one, or "#RRGGBB";
+    /// "transparent", "currentColor"; nothing for the invalid colour. With a profile: "#RRGGBB
+    /// icc-color(#CMYK,c,m,y,k)" when `named`, else "rgb-icc(r,g,b,#CMYK,c,m,y,k)", a level of gray
+    /// likewise with "#GRAYSCALE" and one number, a separation with its name, the tint and, when
+    /// there is one, its alternate, an ICC colour with its name and four values. Names that are no
+    /// plain words are quoted. Numbers are written as "%g".
     ///
-    /// RyValue::parseColor(text, true) reads the text back as an equal colour. Three kinds of colour need a form of
-    /// their own for that: where no sRGB value was given to a CMYK colour or a level of gray, the text has none
-    /// ("icc-color(...)", "rgb-icc(#..."); a reserved sRGB value is written as its keyword in front of "icc-color(";
-    /// and a separation that was given the very sRGB value which would be computed for it is written as
-    /// "rgb(r,g,b) icc-color(...)".
+    /// RyValue::parseColor(text, true) reads the text back as an equal colour. Three kinds of
+    /// colour need a form of their own for that: where no sRGB value was given to a CMYK colour or
+    /// a level of gray, the text has none
+    /// ("icc-color(...)", "rgb-icc(#..."); a reserved sRGB value is written as its keyword in front
+    /// of "icc-color("; and a separation that was given the very sRGB value which would be computed
+    /// for it is written as "rgb(r,g,b) icc-color(...)".
     UnicodeString toString(bool named) const;
 
-    /// Equal sRGB values and profiles with equal components, flags and names (two registration names are equal).
-    /// Components are equal when they agree to the six digits that the text form carries.
+    /// Equal sRGB values and profiles with equal components, flags and names (two registration
+    /// names are equal). Components are equal when they agree to the six digits that the text form
+    /// carries.
     friend RYNCOMMON_API bool operator==(const RyColor& a, const RyColor& b);
     friend bool operator!=(const RyColor& a, const RyColor& b) { return !(a == b); }
 
@@ -162,7 +172,9 @@ private:
     RyColor(Plain, std::uint32_t rgb);
     static RyColor fromValue(const RyValue& value);
     float getSlot(std::size_t index) const;
-    bool hasFlag(std::size_t slot, int byte) const { return (slots_[slot] >> 8 * byte & 0xFF) != 0; }
+    bool hasFlag(std::size_t slot, int byte) const {
+        return (slots_[slot] >> 8 * byte & 0xFF) != 0;
+    }
 
     std::uint32_t rgb_ = 0;
     RyName profileType_;

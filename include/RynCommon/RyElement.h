@@ -10,8 +10,8 @@ namespace RynCommon {
 
 class AttrNodeMap;
 
-/// An attribute: a name and a value. Belongs to at most one element, and is no child of it: it has no parent and no
-/// siblings. New ones have the null value.
+/// An attribute: a name and a value. Belongs to at most one element, and is no child of it: it has
+/// no parent and no siblings. New ones have the null value.
 class RYNCOMMON_API RyAttr : public RyNode {
 public:
     ~RyAttr() override;
@@ -78,8 +78,9 @@ public:
     /// By qualified name; by namespace and local name. Null when there is none.
     virtual RyNode* getNamedItem(RyName name) const = 0;
     virtual RyNode* getNamedItemNS(RyName uri, RyName local) const = 0;
-    /// Puts an attribute in, in the place of one of the same name, which is returned. Errors: 2051 null, 2055 no
-    /// attribute, 2056 it belongs to another element, 2054 it belongs to another document (argument "newAttr").
+    /// Puts an attribute in, in the place of one of the same name, which is returned. Errors: 2051
+    /// null, 2055 no attribute, 2056 it belongs to another element, 2054 it belongs to another
+    /// document (argument "newAttr").
     virtual RyPtr<RyNode> setNamedItem(RyNode* node) = 0;
     virtual RyPtr<RyNode> setNamedItemNS(RyNode* node) = 0;
     /// Takes the attribute out and returns it; null when there is none.
@@ -115,9 +116,9 @@ public:
     /// The null value when absent.
     virtual RyValue getAttribute(RyName name) const;
     virtual RyValue getAttributeNS(RyName uri, RyName local) const;
-    /// Replaces the value in place, or adds the attribute as the last one. A name given whole is not split: such an
-    /// attribute has no prefix and no namespace. The forms with a namespace also give an attribute that exists the new
-    /// prefix.
+    /// Replaces the value in place, or adds the attribute as the last one. A name given whole is
+    /// not split: such an attribute has no prefix and no namespace. The forms with a namespace also
+    /// give an attribute that exists the new prefix.
     virtual void setAttribute(RyName name, const RyValue& value);
     virtual void setAttributeNS(RyName uri, RyName qname, const RyValue& value);
     virtual void setAttributeNS(RyName uri, RyName prefix, RyName local, const RyValue& value);
@@ -133,11 +134,12 @@ public:
     virtual bool hasAttributes() const;
     virtual RyAttr* getAttributeNode(RyName name) const;
     virtual RyAttr* getAttributeNodeNS(RyName uri, RyName local) const;
-    /// Put an attribute in, in the place of one of the same name, which is returned; one that is in already is
-    /// returned itself. Errors as in RyNamedNodeMap.
+    /// Put an attribute in, in the place of one of the same name, which is returned; one that is in
+    /// already is returned itself. Errors as in RyNamedNodeMap.
     virtual RyPtr<RyAttr> setAttributeNode(RyAttr* attr);
     virtual RyPtr<RyAttr> setAttributeNodeNS(RyAttr* attr);
-    /// Takes an attribute out and returns it; null when it is not this element's. Error 2051 for null.
+    /// Takes an attribute out and returns it; null when it is not this element's. Error 2051 for
+    /// null.
     virtual RyPtr<RyAttr> removeAttributeNode(RyAttr* attr);
     /// Collect every attribute with that local name, in any namespace, in order.
     virtual void getAttributeLocal(RyName local, std::vector<RyValue>* values) const;

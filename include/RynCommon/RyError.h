@@ -16,11 +16,11 @@ enum RyErrorCategory : std::uint16_t {
     RYERROR_XML = 0x1800      ///< the XML parsers
 };
 
-/// Every failure that the library reports. Thrown by value, caught by reference, and handed to the error callback of
-/// an XML parser. A plain value: copyable, no virtual operations.
+/// Every failure that the library reports. Thrown by value, caught by reference, and handed to the
+/// error callback of an XML parser. A plain value: copyable, no virtual operations.
 ///
-/// A code has a category in bits 11 to 15, flags in bits 8 to 10 (0x0400 marks a warning, which is never thrown) and a
-/// number in bits 0 to 7. Code 0 is no error.
+/// A code has a category in bits 11 to 15, flags in bits 8 to 10 (0x0400 marks a warning, which is
+/// never thrown) and a number in bits 0 to 7. Code 0 is no error.
 class RYNCOMMON_API RyError {
 public:
     /// No error: code 0, empty texts, unknown position.
@@ -33,7 +33,8 @@ public:
     /// Code 2049, "Out of memory.".
     RyError(const std::bad_alloc& error, const UnicodeString& source);
 
-    /// Code 2050, "C++ exception: " and the text of what(), read as UTF-8 (bytes that are not become U+FFFD).
+    /// Code 2050, "C++ exception: " and the text of what(), read as UTF-8 (bytes that are not
+    /// become U+FFFD).
     RyError(const std::exception& error, const UnicodeString& source);
 
     RyError(const RyError& other);
@@ -43,7 +44,9 @@ public:
     unsigned short getErrorCode() const { return code_; }
     void setErrorCode(unsigned short code) { code_ = code; }
     /// The code with all but bits 11 to 15 cleared.
-    RyErrorCategory getErrorCategory() const { return static_cast<RyErrorCategory>(code_ & 0xF800); }
+    RyErrorCategory getErrorCategory() const {
+        return static_cast<RyErrorCategory>(code_ & 0xF800);
+    }
 
     /// The message without the position.
     const UnicodeString& getRawMessage() const { return rawMessage_; }
@@ -60,15 +63,15 @@ public:
     const UnicodeString& getUri() const { return uri_; }
     void setUri(const UnicodeString& uri) { uri_ = uri; }
 
-    /// "Line 12, Col 5, file:///a.xml"; parts that are unknown are left out, their trailing ", " is kept. Empty when
-    /// nothing is known.
+    /// "Line 12, Col 5, file:///a.xml"; parts that are unknown are left out, their trailing ", " is
+    /// kept. Empty when nothing is known.
     UnicodeString getPositionDescription() const;
 
     /// The raw message and, where a position is known, a line feed and its description.
     UnicodeString getMessage() const;
 
-    /// Sets the raw message; a trailing position description of this error is taken off, so that a text from
-    /// getMessage() can be stored back.
+    /// Sets the raw message; a trailing position description of this error is taken off, so that a
+    /// text from getMessage() can be stored back.
     void setMessage(const UnicodeString& message);
 
     /// Appends `text` on a line of its own. Does nothing when `text` is empty.
@@ -86,10 +89,12 @@ private:
     UnicodeString uri_;
 };
 
-/// One text, made from a pattern in the form of ICU's MessageFormat whose "{0}" to "{3}" take the arguments.
+/// One text, made from a pattern in the form of ICU's MessageFormat whose "{0}" to "{3}" take the
+/// arguments.
 class RYNCOMMON_API RyMessage {
 public:
-    /// Formats at once. A pattern that ICU rejects leaves whatever ICU left in the result; nothing is thrown.
+    /// Formats at once. A pattern that ICU rejects leaves whatever ICU left in the result; nothing
+    /// is thrown.
     RyMessage(const UnicodeString& pattern, const UnicodeString& arg0 = UnicodeString(),
               const UnicodeString& arg1 = UnicodeString(),
               const UnicodeString& arg2 = UnicodeString(),

@@ -56,42 +56,46 @@ private:
     float points_ = 0;
 };
 
-/// Arithmetic with lengths and numbers; anything with "auto" is "auto". Computed in double, which rounds to the same
-/// float as arithmetic in float, and takes integers whole.
-constexpr RyLength operator+(RyLength a, RyLength b) { return RyLength(float(a) + float(b)); }
-constexpr RyLength operator-(RyLength a, RyLength b) { return RyLength(float(a) - float(b)); }
+/// Arithmetic with lengths and numbers; anything with "auto" is "auto". Computed in double, which
+/// rounds to the same float as arithmetic in float, and takes integers whole.
+constexpr RyLength operator+(RyLength a, RyLength b) {
+    return RyLength(float(a) + float(b));
+}
+constexpr RyLength operator-(RyLength a, RyLength b) {
+    return RyLength(float(a) - float(b));
+}
 template <class Number>
-    requires std::is_arithmetic_v<Number>
+requires std::is_arithmetic_v<Number>
 constexpr RyLength operator+(RyLength a, Number b) {
     return RyLength(static_cast<float>(static_cast<double>(float(a)) + static_cast<double>(b)));
 }
 template <class Number>
-    requires std::is_arithmetic_v<Number>
+requires std::is_arithmetic_v<Number>
 constexpr RyLength operator+(Number a, RyLength b) {
     return RyLength(static_cast<float>(static_cast<double>(a) + static_cast<double>(float(b))));
 }
 template <class Number>
-    requires std::is_arithmetic_v<Number>
+requires std::is_arithmetic_v<Number>
 constexpr RyLength operator-(RyLength a, Number b) {
     return RyLength(static_cast<float>(static_cast<double>(float(a)) - static_cast<double>(b)));
 }
 template <class Number>
-    requires std::is_arithmetic_v<Number>
+requires std::is_arithmetic_v<Number>
 constexpr RyLength operator-(Number a, RyLength b) {
     return RyLength(static_cast<float>(static_cast<double>(a) - static_cast<double>(float(b))));
 }
 template <class Number>
-    requires std::is_arithmetic_v<Number>
+requires std::is_arithmetic_v<Number>
 constexpr RyLength operator*(RyLength a, Number b) {
     return RyLength(static_cast<float>(static_cast<double>(float(a)) * static_cast<double>(b)));
 }
 template <class Number>
-    requires std::is_arithmetic_v<Number>
+requires std::is_arithmetic_v<Number>
 constexpr RyLength operator*(Number a, RyLength b) {
     return RyLength(static_cast<float>(static_cast<double>(a) * static_cast<double>(float(b))));
 }
 template <class Number>
-    requires std::is_arithmetic_v<Number>
+requires std::is_arithmetic_v<Number>
 constexpr RyLength operator/(RyLength a, Number b) {
     return RyLength(static_cast<float>(static_cast<double>(float(a)) / static_cast<double>(b)));
 }

@@ -18,8 +18,8 @@ public:
     constexpr explicit RyName(int number) : number_(static_cast<RyNameEnum>(number)) {}
     /// Interns the text in the shared table.
     RyName(const UnicodeString& text);
-    /// Takes the number of a name value; interns the text form of any other value. Taken only by a value itself, so
-    /// that a text is never mistaken for one.
+    /// Takes the number of a name value; interns the text form of any other value. Taken only by a
+    /// value itself, so that a text is never mistaken for one.
     template <std::same_as<RyValue> Value>
     RyName(const Value& value) : number_(fromValue(value)) {}
 
@@ -37,8 +37,8 @@ public:
     /// Whether the number is 0 to 1597 (the empty name counts).
     constexpr bool isBuiltin() const { return number_ >= 0 && number_ <= RYNAME_BUILTIN_LAST; }
 
-    /// A name for a generated identifier: "-", `prefix` ("N" when empty) and the shared table's last number plus 1.
-    /// The hyphen keeps it apart from XML names.
+    /// A name for a generated identifier: "-", `prefix` ("N" when empty) and the shared table's
+    /// last number plus 1. The hyphen keeps it apart from XML names.
     static RyName generateID(const UnicodeString& prefix);
 
 private:

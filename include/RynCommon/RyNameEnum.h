@@ -5,8 +5,9 @@
 
 namespace RynCommon {
 
-/// Number of an interned name: 0 the empty name, 1 to 1597 the built-in names (constants RN_...), above that names
-/// interned at run time. `RN_xml_lang` is the name "xml:lang": each character that C++ does not allow is "_".
+/// Number of an interned name: 0 the empty name, 1 to 1597 the built-in names (constants RN_...),
+/// above that names interned at run time. `RN_xml_lang` is the name "xml:lang": each character that
+/// C++ does not allow is "_".
 enum RyNameEnum : std::int32_t {
     RN_EMPTY = 0,
 #define RYN_BUILTIN_NAME(number, identifier, text) RN_##identifier = number,

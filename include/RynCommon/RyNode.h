@@ -8,15 +8,18 @@
 
 namespace RynCommon {
 
-/// A node of the tree. A parent holds one reference on each child; creation functions of RyDocument return a counted
-/// pointer to a node without a parent; removal hands the parent's reference to the caller. Plain accessors return
-/// pointers that do not own. A document must outlive its nodes. Nodes are not synchronised.
+/// A node of the tree. A parent holds one reference on each child; creation functions of RyDocument
+/// return a counted pointer to a node without a parent; removal hands the parent's reference to the
+/// caller. Plain accessors return pointers that do not own. A document must outlive its nodes.
+/// Nodes are not synchronised.
 ///
-/// Siblings form a ring: a parent keeps its last child only, whose next link leads back to the first child; previous
-/// links end in null at the first child. Editing keeps this, and nothing here recurses over the depth of a tree.
+/// Siblings form a ring: a parent keeps its last child only, whose next link leads back to the
+/// first child; previous links end in null at the first child. Editing keeps this, and nothing here
+/// recurses over the depth of a tree.
 ///
-/// While a document loads lazily, hasChildNodes, getFirstChild, getLastChild and getNextSibling read on as far as
-/// their answer needs, and may throw the parser's errors; the forms that end in Fast read the links only.
+/// While a document loads lazily, hasChildNodes, getFirstChild, getLastChild and getNextSibling
+/// read on as far as their answer needs, and may throw the parser's errors; the forms that end in
+/// Fast read the links only.
 class RYNCOMMON_API RyNode : public RyRCObject {
 public:
     /// The DOM's numbers.
@@ -40,6 +43,9 @@ public:
     };
 
     ~RyNode() override;
+    /// Nodes lie many to a block of memory, which the last of them gives back.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* node, std::size_t size) noexcept;
     RyNode(const RyNode&) = delete;
     RyNode& operator=(const RyNode&) = delete;
 
@@ -110,14 +116,16 @@ public:
     bool isPrecedingOf(const RyNode* other) const;
     /// Whether `other` precedes this node without being its ancestor.
     bool isFollowingOf(const RyNode* other) const;
-    /// The text of a text node; the texts of all descendant text nodes joined; getText() where there are no children.
+    /// The text of a text node; the texts of all descendant text nodes joined; getText() where
+    /// there are no children.
     UnicodeString getInnerText() const;
     /// Position of the start tag in its source; -1 when unknown and for nodes that are no elements.
     int getSourceLineNumber() const;
     int getSourceColumnNumber() const;
 
     // Names and values.
-    /// Qualified name; "#text", "#document", "#document-fragment"; the target of a processing instruction.
+    /// Qualified name; "#text", "#document", "#document-fragment"; the target of a processing
+    /// instruction.
     virtual RyName getNodeName() const;
     virtual RyName getLocalName() const;
     virtual RyName getPrefix() const;
@@ -125,7 +133,8 @@ public:
     virtual RyName getNamespaceUri() const;
     /// A prefix bound to `uri` here, found as in DOM Level 3; the empty name when there is none.
     virtual RyName lookupPrefix(RyName uri) const;
-    /// The namespace bound to `prefix` here, found as in DOM Level 3; the empty name when there is none.
+    /// The namespace bound to `prefix` here, found as in DOM Level 3; the empty name when there is
+    /// none.
     virtual RyName lookupNamespaceUri(RyName prefix) const;
     virtual bool isDefaultNamespace(RyName uri) const;
     /// The null value for nodes that have none.
@@ -150,13 +159,14 @@ public:
     virtual bool isNeutral() const;
     virtual bool isOutOfLine() const;
 
-    // Editing. Errors: 2051 a null argument, 2054 a node of another document, 2057 a node that is no child of this one,
-    // 2058 a node put under itself or its descendant, or an attribute put among children. The tree is unchanged then. A
-    // fragment is linked as the node it is.
+    // Editing. Errors: 2051 a null argument, 2054 a node of another document, 2057 a node that is
+    // no child of this one, 2058 a node put under itself or its descendant, or an attribute put
+    // among children. The tree is unchanged then. A fragment is linked as the node it is.
     /// Links `newChild` as the last child, out of its old parent; returns it.
     virtual RyNode* appendChild(RyNode* newChild);
-    /// What the loader calls. An override may put the child elsewhere or drop it, and returns the node that took its
-    /// place or null; the loader skips the content of an element that is not the one returned.
+    /// What the loader calls. An override may put the child elsewhere or drop it, and returns the
+    /// node that took its place or null; the loader skips the content of an element that is not the
+    /// one returned.
     virtual RyNode* appendChildEx(RyNode* newChild);
     /// Appends a new text node, and returns it.
     virtual RyNode* appendChildText(const UnicodeString& text);
@@ -165,8 +175,8 @@ public:
     /// Returns the old child, now without a parent.
     virtual RyPtr<RyNode> replaceChild(RyNode* newChild, RyNode* oldChild);
     virtual RyPtr<RyNode> removeChild(RyNode* oldChild);
-    /// A copy without a parent, of the same document; attributes are always copied, children when `deep` (by their own
-    /// shallow cloneNode()). Null for classes that do not define it.
+    /// A copy without a parent, of the same document; attributes are always copied, children when
+    /// `deep` (by their own shallow cloneNode()). Null for classes that do not define it.
     virtual RyPtr<RyNode> cloneNode(bool deep) const;
     /// Called by the loader after an element's last attribute.
     virtual void finishAttributes();

@@ -40,9 +40,9 @@ private:
     std::vector<RyPtr<RyNode>> nodes_;
 };
 
-/// A cursor between nodes: over an iterable by position, or over the descendants of a root in document order, loading
-/// lazily where the tree does. The node that next or previous gave last may be removed only after moving on. What it
-/// goes through must outlive it.
+/// A cursor between nodes: over an iterable by position, or over the descendants of a root in
+/// document order, loading lazily where the tree does. The node that next or previous gave last may
+/// be removed only after moving on. What it goes through must outlive it.
 class RYNCOMMON_API RyNodeIterator {
 public:
     explicit RyNodeIterator(const RyNodeIterable* iterable);
@@ -67,8 +67,8 @@ private:
     RyNode* before_ = nullptr;  // last node passed in document order; the root itself at the start
 };
 
-/// Visits each node of a tree twice: before its children and after them. Starts at the root's pre-visit and ends at its
-/// post-visit. Loads lazily where the tree does.
+/// Visits each node of a tree twice: before its children and after them. Starts at the root's
+/// pre-visit and ends at its post-visit. Loads lazily where the tree does.
 class RYNCOMMON_API RyTreeIterator {
 public:
     enum TraversalOrder : std::int32_t { PRE_VISIT = 0, POST_VISIT = 1 };

@@ -9,7 +9,8 @@
 
 namespace RynCommon {
 
-/// Root of the polymorphic classes. Each has a fixed 32-bit type identifier that is part of the interface.
+/// Root of the polymorphic classes. Each has a fixed 32-bit type identifier that is part of the
+/// interface.
 class RYNCOMMON_API RyObjectBase {
 public:
     virtual ~RyObjectBase();
@@ -28,8 +29,9 @@ protected:
     RyObjectBase& operator=(const RyObjectBase&) = default;
 };
 
-/// An object on the heap that counts its references. A new object, also a copied one, starts at count 0; whoever brings
-/// the count below 1 with release() deletes it. Counts change atomically; nothing else here is synchronised.
+/// An object on the heap that counts its references. A new object, also a copied one, starts at
+/// count 0; whoever brings the count below 1 with release() deletes it. Counts change atomically;
+/// nothing else here is synchronised.
 class RYNCOMMON_API RyRCObject : public RyObjectBase {
 public:
     ~RyRCObject() override;
@@ -72,7 +74,8 @@ private:
     mutable std::atomic<std::int32_t> refCount_{0};
 };
 
-/// A counted pointer to an RyRCObject. Construction from a raw pointer adds a reference; null is allowed.
+/// A counted pointer to an RyRCObject. Construction from a raw pointer adds a reference; null is
+/// allowed.
 template <class T>
 class RyPtr {
 public:

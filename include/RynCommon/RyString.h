@@ -7,7 +7,8 @@
 
 namespace RynCommon {
 
-/// The shared empty text: what functions return that have no text. Usable from any static initialiser.
+/// The shared empty text: what functions return that have no text. Usable from any static
+/// initialiser.
 class RYNCOMMON_API RyEmptyString : public UnicodeString {
 public:
     RyEmptyString();
@@ -15,7 +16,8 @@ public:
     static const RyEmptyString& EMPTY_VALUE;
 };
 
-/// The shared bogus text (ICU's setToBogus): absent, as against empty. Usable from any static initialiser.
+/// The shared bogus text (ICU's setToBogus): absent, as against empty. Usable from any static
+/// initialiser.
 class RYNCOMMON_API RyBogusString : public UnicodeString {
 public:
     RyBogusString();
@@ -23,7 +25,8 @@ public:
     static const RyBogusString& BOGUS_VALUE;
 };
 
-/// Counts the translation units that use the constants above, so that the first to be initialised sets them up.
+/// Counts the translation units that use the constants above, so that the first to be initialised
+/// sets them up.
 class RYNCOMMON_API RyStringConstants {
 public:
     RyStringConstants();
@@ -35,22 +38,26 @@ namespace {
 [[maybe_unused]] const RyStringConstants ryStringConstants;
 }
 
-/// A text kept in exactly the room it needs: one byte a unit where all are below U+0100, else two. One pointer in size;
-/// the empty text allocates nothing. A tree's texts and attribute values rest in it.
+/// A text kept in exactly the room it needs: one byte a unit where all are below U+0100, else two.
+/// One pointer in size, which holds a text of up to seven such units itself. A tree's texts and
+/// attribute values rest in it.
 class RYNCOMMON_API RyCompactText {
 public:
     RyCompactText() = default;
     RyCompactText(const char16_t* text, std::int32_t length);
-    explicit RyCompactText(const UnicodeString& text);
+    explicit RyCompactText(const UnicodeString& text)
+        : RyCompactText(text.getBuffer(), text.length()) {}
     RyCompactText(const RyCompactText& other);
-    RyCompactText(RyCompactText&& other) noexcept;
+    RyCompactText(RyCompactText&& other) noexcept : word_(other.word_) { other.word_ = 0; }
     RyCompactText& operator=(const RyCompactText& other);
     RyCompactText& operator=(RyCompactText&& other) noexcept;
-    ~RyCompactText();
+    ~RyCompactText() {
+        if (hasBlock()) freeBlock();
+    }
 
     /// Number of UTF-16 units.
     std::int32_t length() const;
-    bool isEmpty() const { return block_ == nullptr; }
+    bool isEmpty() const { return word_ == 0; }
     UnicodeString toString() const;
     void appendTo(UnicodeString& text) const;
     /// Replaces the text of `text`, whose buffer is used again.
@@ -59,7 +66,15 @@ public:
 
 private:
     struct Block;
-    Block* block_ = nullptr;
+
+    bool hasBlock() const { return word_ != 0 && (word_ & 1) == 0; }
+    Block* block() const { return reinterpret_cast<Block*>(word_); }
+    void freeBlock();
+    void copyUnits(std::size_t from, std::size_t count, char16_t* to) const;
+
+    // 0 for the empty text; the address of a block; or, when bit 0 is set, the text itself: its
+    // length in bits 1 to 3 and its units in the bytes above.
+    std::uintptr_t word_ = 0;
 };
 
 }  // namespace RynCommon

@@ -28,8 +28,8 @@ enum RyValueUnitType : std::uint8_t {
     RYUNIT_CM = 6,
     RYUNIT_MM = 7,
     RYUNIT_IN = 8,
-    RYUNIT_PT = 9,   ///< 1/72 inch
-    RYUNIT_PC = 10,  ///< 12 points
+    RYUNIT_PT = 9,    ///< 1/72 inch
+    RYUNIT_PC = 10,   ///< 12 points
     RYUNIT_JPT = 11,  ///< Japanese point; converts to nothing
     RYUNIT_Q = 12,    ///< quarter millimetre
     RYUNIT_DEG = 13,

@@ -6,11 +6,12 @@
 
 namespace RynCommon {
 
-/// One of eight writing modes: how lines progress (inline direction) and how they stack (block direction).
+/// One of eight writing modes: how lines progress (inline direction) and how they stack (block
+/// direction).
 ///
-/// Index: 0 "lr-tb", 1 "rl-tb", 2 "tb-rl", 3 "bt-rl", 4 "lr-bt", 5 "rl-bt", 6 "tb-lr", 7 "bt-lr". Bit 0: the inline
-/// progression runs right-to-left or bottom-to-top; bit 1: the text is vertical; bit 2: the block progression runs
-/// bottom-to-top or left-to-right.
+/// Index: 0 "lr-tb", 1 "rl-tb", 2 "tb-rl", 3 "bt-rl", 4 "lr-bt", 5 "rl-bt", 6 "tb-lr", 7 "bt-lr".
+/// Bit 0: the inline progression runs right-to-left or bottom-to-top; bit 1: the text is vertical;
+/// bit 2: the block progression runs bottom-to-top or left-to-right.
 class RYNCOMMON_API RyWritingMode {
 public:
     /// "lr-tb".
@@ -18,8 +19,8 @@ public:
     /// A mode name, or "lr", "rl", "tb"; any other name is "lr-tb".
     RyWritingMode(RyNameEnum name);
     RyWritingMode(RyName name) : RyWritingMode(RyNameEnum(name)) {}
-    /// `mode` is a mode's name or a block-progression direction, `direction` the text direction ("right-to-left",
-    /// "bottom-to-top" or "rtl" flip the inline progression where they fit).
+    /// `mode` is a mode's name or a block-progression direction, `direction` the text direction
+    /// ("right-to-left", "bottom-to-top" or "rtl" flip the inline progression where they fit).
     RyWritingMode(RyName mode, RyName direction);
 
     RyNameEnum getName() const;
@@ -43,7 +44,8 @@ public:
     /// Whether text in `other`, turned by `orientation`, stands across text in this mode.
     bool isPerpendicularTo(const RyWritingMode& other, const RyOrientation& orientation) const;
 
-    /// "left" and "right" as the "odd" or "even" page side of this mode's paging direction; other names unchanged.
+    /// "left" and "right" as the "odd" or "even" page side of this mode's paging direction; other
+    /// names unchanged.
     RyNameEnum leftRight2oddEven(RyNameEnum name) const;
     RyNameEnum oddEven2leftRight(RyNameEnum name) const;
 

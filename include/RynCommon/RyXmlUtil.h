@@ -27,12 +27,13 @@ public:
     /// The rest.
     static RyName getLocalPartFromQName(RyName qname);
     static UnicodeString getLocalPartFromQNameStr(const UnicodeString& qname);
-    /// A key for a namespaced name: `local`, "xml:local", "xmlns", "xmlns:local" or "{ns}:local" (the colon belongs to
-    /// it).
+    /// A key for a namespaced name: `local`, "xml:local", "xmlns", "xmlns:local" or "{ns}:local"
+    /// (the colon belongs to it).
     static UnicodeString makeNSQNameStr(const UnicodeString& ns, const UnicodeString& local);
 
-    /// A parser that stands at the root element's start tag (no external DTD, tolerant prefixes and encodings), or null
-    /// when there is no element. `type` and `charset` go to setStreamType(). Parse errors pass on.
+    /// A parser that stands at the root element's start tag (no external DTD, tolerant prefixes and
+    /// encodings), or null when there is no element. `type` and `charset` go to setStreamType().
+    /// Parse errors pass on.
     static RyPtr<RyXmlParser> getRootParser(std::istream& in, const UnicodeString& type,
                                             const UnicodeString& charset);
     static RyPtr<RyXmlParser> getRootParser(const UnicodeString& uri);
@@ -40,8 +41,9 @@ public:
     static RyName getRootName(RyName& local, std::istream& in, const UnicodeString& type,
                               const UnicodeString& charset);
     static RyName getRootName(RyName& local, const UnicodeString& uri);
-    /// The same, but a formatting-object root that carries an XSLT version attribute (a simplified stylesheet) gives
-    /// the XSLT namespace. The stream is read once, up to the root's start tag, so that it need not be seekable.
+    /// The same, but a formatting-object root that carries an XSLT version attribute (a simplified
+    /// stylesheet) gives the XSLT namespace. The stream is read once, up to the root's start tag,
+    /// so that it need not be seekable.
     static RyName getXSLStylesheetNamespace(RyName& local, std::istream& in,
                                             const UnicodeString& type,
                                             const UnicodeString& charset);

@@ -12,7 +12,9 @@ struct RyPointT {
     T x{};
     T y{};
 
-    friend bool operator==(const RyPointT& a, const RyPointT& b) { return a.x == b.x && a.y == b.y; }
+    friend bool operator==(const RyPointT& a, const RyPointT& b) {
+        return a.x == b.x && a.y == b.y;
+    }
     friend bool operator!=(const RyPointT& a, const RyPointT& b) { return !(a == b); }
 };
 
@@ -34,7 +36,8 @@ public:
 
     /// Applies this matrix first and `next` second.
     TransMatrix operator*(const TransMatrix& next) const;
-    /// Applies `first` first and this matrix second: the opposite order of operator*, deliberately. `m *= m` is safe.
+    /// Applies `first` first and this matrix second: the opposite order of operator*, deliberately.
+    /// `m *= m` is safe.
     TransMatrix& operator*=(const TransMatrix& first);
 
     /// The image of a point. Lengths are taken in points; an "auto" coordinate gives "auto".
@@ -45,8 +48,9 @@ public:
     }
     RyPointT<RyLength> translate(const RyPointT<RyLength>& p) const { return translate(p.x, p.y); }
 
-    /// Makes it its inverse, computed in double. False, and the matrix stays as it is, when it has none: when it is
-    /// singular, or when an element of it or of the inverse is not finite as a float.
+    /// Makes it its inverse, computed in double. False, and the matrix stays as it is, when it has
+    /// none: when it is singular, or when an element of it or of the inverse is not finite as a
+    /// float.
     bool reverse();
 
     float a = 1;

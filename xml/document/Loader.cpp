@@ -204,12 +204,16 @@ void Loader::end(Ending ending) {
     skipDepth_ = 0;
     standsAtEvent_ = false;
     stop_ = false;
-    if (ending == Ending::COMPLETE) dropText();
+    if (ending == Ending::COMPLETE) {
+        dropText();
+        parser_->releaseBuffers();
+    }
 }
 
 void Loader::fail() {
     end(Ending::STOPPED);
     parser_->closeStream();
+    parser_->releaseBuffers();
     text_.reset();
 }
 

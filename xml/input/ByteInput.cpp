@@ -56,7 +56,8 @@ bool ByteInput::need(std::size_t bytes) {
     return true;
 }
 
-/// The stream's end is remembered, so that a terminal is not asked twice, and shown in the stream's own state.
+/// The stream's end is remembered, so that a terminal is not asked twice, and shown in the stream's
+/// own state.
 void ByteInput::finish() {
     ended_ = true;
     try {

@@ -10,8 +10,9 @@ namespace RynCommon {
 
 /// A block of bytes in front of an std::istream.
 ///
-/// fill() takes what the stream's buffer holds, at most a block; when nothing is known to be ready it takes one byte.
-/// So files and memory run in blocks, and a slow connection is waited for only when its next byte is really needed.
+/// fill() takes what the stream's buffer holds, at most a block; when nothing is known to be ready
+/// it takes one byte. So files and memory run in blocks, and a slow connection is waited for only
+/// when its next byte is really needed.
 class ByteInput {
 public:
     /// One block; the decoded form of it stays within the second-level cache.
@@ -24,15 +25,19 @@ public:
     /// Goes on with another stream behind the same unread bytes: a converter around the first one.
     void replaceStream(std::istream* in);
 
+    /// Frees the block of a closed input.
+    void releaseBuffer() { data_.reset(); }
+
     const std::uint8_t* begin() const { return data_.get() + begin_; }
     const std::uint8_t* end() const { return data_.get() + end_; }
     std::size_t size() const { return end_ - begin_; }
     void consume(std::size_t bytes) { begin_ += bytes; }
 
-    /// Adds at least one byte behind the unread ones, of which there must be less than SLACK; false at the end of input.
-    /// With `single`, adds exactly one.
+    /// Adds at least one byte behind the unread ones, of which there must be less than SLACK; false
+    /// at the end of input. With `single`, adds exactly one.
     bool fill(bool single);
-    /// Makes `bytes` unread bytes available (at most SLACK), reading one by one; false when the input ends before.
+    /// Makes `bytes` unread bytes available (at most SLACK), reading one by one; false when the
+    /// input ends before.
     bool need(std::size_t bytes);
     bool atEnd() const { return ended_; }
     std::istream* stream() const { return in_; }

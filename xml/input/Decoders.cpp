@@ -1,8 +1,8 @@
 // Blocks of bytes to UTF-16.
 //
-// Each decoder is one loop over a block. ASCII runs of UTF-8 go through the vector kernel; the multi-byte loop stays in
-// registers until the next ASCII byte. UTF-16 in our own byte order is copied and then looked through for surrogates,
-// which text seldom has.
+// Each decoder is one loop over a block. ASCII runs of UTF-8 go through the vector kernel; the
+// multi-byte loop stays in registers until the next ASCII byte. UTF-16 in our own byte order is
+// copied and then looked through for surrogates, which text seldom has.
 #include <cstring>
 
 #include "core/UnitScan.h"
@@ -14,10 +14,18 @@ namespace {
 
 constexpr char16_t REPLACEMENT = 0xFFFD;
 
-constexpr bool isContinuation(std::uint8_t b) { return (b & 0xC0) == 0x80; }
-constexpr bool isHighSurrogate(std::uint32_t u) { return (u & 0xFFFFFC00) == 0xD800; }
-constexpr bool isLowSurrogate(std::uint32_t u) { return (u & 0xFFFFFC00) == 0xDC00; }
-constexpr bool isSurrogate(std::uint32_t u) { return (u & 0xFFFFF800) == 0xD800; }
+constexpr bool isContinuation(std::uint8_t b) {
+    return (b & 0xC0) == 0x80;
+}
+constexpr bool isHighSurrogate(std::uint32_t u) {
+    return (u & 0xFFFFFC00) == 0xD800;
+}
+constexpr bool isLowSurrogate(std::uint32_t u) {
+    return (u & 0xFFFFFC00) == 0xDC00;
+}
+constexpr bool isSurrogate(std::uint32_t u) {
+    return (u & 0xFFFFF800) == 0xD800;
+}
 
 char16_t* put(std::uint32_t c, char16_t* out) {
     if (c < 0x10000) {
@@ -39,7 +47,8 @@ constexpr int sequenceLength(std::uint8_t lead) {
     return 1;
 }
 
-/// One sequence of UTF-8 at `in`, whatever its state. False when it is unfinished and more may come.
+/// One sequence of UTF-8 at `in`, whatever its state. False when it is unfinished and more may
+/// come.
 bool decodeSequence(const std::uint8_t*& in, const std::uint8_t* end, bool final, char16_t*& out) {
     const int length = sequenceLength(*in);
     if (length == 1) {
@@ -75,8 +84,7 @@ char16_t* decodeUtf8(const std::uint8_t*& in, const std::uint8_t* end, bool fina
         // Three bytes make most of the characters that are not ASCII.
         if (end - p >= 3 && (p[0] & 0xF0) == 0xE0 && isContinuation(p[1]) && isContinuation(p[2])) {
             do {
-                const std::uint32_t c =
-                    (p[0] & 0x0Fu) << 12 | (p[1] & 0x3Fu) << 6 | (p[2] & 0x3Fu);
+                const std::uint32_t c = (p[0] & 0x0Fu) << 12 | (p[1] & 0x3Fu) << 6 | (p[2] & 0x3Fu);
                 *out++ = isSurrogate(c) ? REPLACEMENT : static_cast<char16_t>(c);
                 p += 3;
             } while (end - p >= 3 && (p[0] & 0xF0) == 0xE0 && isContinuation(p[1]) &&

@@ -5,8 +5,12 @@ namespace RynCommon {
 
 namespace {
 
-constexpr SniffedEncoding unmarked(EncodingKind kind) { return {kind, false, false}; }
-constexpr SniffedEncoding marked(EncodingKind kind) { return {kind, true, false}; }
+constexpr SniffedEncoding unmarked(EncodingKind kind) {
+    return {kind, false, false};
+}
+constexpr SniffedEncoding marked(EncodingKind kind) {
+    return {kind, true, false};
+}
 constexpr SniffedEncoding BROKEN{ENCODING_UNKNOWN, false, true};
 
 bool startsWith(ByteInput& bytes, std::size_t at, std::uint8_t byte) {

@@ -49,6 +49,12 @@ void TextInput::close() {
     source_ = nullptr;
 }
 
+void TextInput::releaseBuffers() {
+    units_.reset();
+    window_ = windowEnd_ = decodedEnd_ = counted_ = nullptr;
+    bytes_.releaseBuffer();
+}
+
 void TextInput::reset() {
     encodingName_.remove();
     kind_ = ENCODING_UNKNOWN;
@@ -98,7 +104,8 @@ TextInput::Declared TextInput::setDeclaredEncoding(const UnicodeString& name, bo
                               (kind_ == ENCODING_UTF32LE || kind_ == ENCODING_UTF32BE));
         return generic ? Declared::ACCEPTED : Declared::CONFLICT;
     }
-    // What is read in units of two or four bytes cannot change, and what is read in bytes cannot be wide.
+    // What is read in units of two or four bytes cannot change, and what is read in bytes cannot be
+    // wide.
     if (fromMark_ || isOrderedWide(kind_) || isWide(declared)) return Declared::ACCEPTED;
     if (declared == ENCODING_CONVERTER) return useConverter(name, builtinOnly, rawFallback);
     kind_ = declared;
@@ -145,10 +152,12 @@ TextInput::Refill TextInput::refill() {
     return Refill::WINDOW;
 }
 
-/// Decodes the next bytes into units_. False at the end of input; the result may be empty after a line end.
+/// Decodes the next bytes into units_. False at the end of input; the result may be empty after a
+/// line end.
 bool TextInput::decodeMore() {
     if (units_ == nullptr)
-        units_ = std::make_unique_for_overwrite<char16_t[]>(ByteInput::BLOCK + ByteInput::SLACK + 1);
+        units_ =
+            std::make_unique_for_overwrite<char16_t[]>(ByteInput::BLOCK + ByteInput::SLACK + 1);
     char16_t* const begin = units_.get();
     char16_t* end = begin;
     window_ = windowEnd_ = decodedEnd_ = counted_ = begin;

@@ -12,12 +12,12 @@
 
 namespace RynCommon {
 
-/// Turns a byte stream into windows of decoded text with line ends normalised (CR LF, CR NEL, CR, U+0085 and U+2028
-/// become LF), and knows line and column of any place in the current window.
+/// Turns a byte stream into windows of decoded text with line ends normalised (CR LF, CR NEL, CR,
+/// U+0085 and U+2028 become LF), and knows line and column of any place in the current window.
 ///
-/// A window is what one block of bytes decodes to. Before and inside an XML declaration, which may change the decoder,
-/// windows hold one character: see setStepping(). U+FFFF never appears in a window; where one stands, refill() says so
-/// once and goes on behind it.
+/// A window is what one block of bytes decodes to. Before and inside an XML declaration, which may
+/// change the decoder, windows hold one character: see setStepping(). U+FFFF never appears in a
+/// window; where one stands, refill() says so once and goes on behind it.
 class TextInput {
 public:
     enum class Refill { WINDOW, INVALID_CHARACTER, END };
@@ -37,13 +37,16 @@ public:
     /// Lets go of the stream. Encoding name and position stay readable.
     void close();
     bool isOpen() const { return source_ != nullptr; }
+    /// Frees the window and the block of a closed input. Position and encoding name stay.
+    void releaseBuffers();
     std::istream* stream() const { return source_; }
 
     /// Applies an encoding name told from outside, before anything is read. Empty tells nothing.
     /// @param builtinOnly   refuse names that need a converter
     /// @param rawFallback   read bytes as they are where no converter opens
     Declared setGivenEncoding(const UnicodeString& name, bool builtinOnly, bool rawFallback);
-    /// Looks at the first bytes. Raises line 1, column 0. False when they began like a byte-order mark and are none.
+    /// Looks at the first bytes. Raises line 1, column 0. False when they began like a byte-order
+    /// mark and are none.
     bool start();
     /// Applies the name of an XML declaration that has just been read in stepping mode.
     Declared setDeclaredEncoding(const UnicodeString& name, bool builtinOnly, bool rawFallback);

@@ -15,9 +15,10 @@ constexpr std::size_t MOST_PER_ELEMENT = 1024;
 void AttributeDefaults::declare(RyName elementPrefix, RyName elementLocal,
                                 const AttributeDeclaration& attribute) {
     Declarations& list = elements_[key(elementPrefix, elementLocal)];
-    const bool known = std::any_of(list.begin(), list.end(), [&](const AttributeDeclaration& other) {
-        return other.local == attribute.local && other.prefix == attribute.prefix;
-    });
+    const bool known =
+        std::any_of(list.begin(), list.end(), [&](const AttributeDeclaration& other) {
+            return other.local == attribute.local && other.prefix == attribute.prefix;
+        });
     if (!known && list.size() < MOST_PER_ELEMENT) list.push_back(attribute);
 }
 

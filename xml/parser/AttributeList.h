@@ -39,7 +39,8 @@ public:
 
     /// First attribute with that namespace and local name, or null.
     const ParsedAttribute* find(RyName ns, RyName local) const;
-    /// Calls `report(attribute)` for each attribute whose namespace and local name an earlier one has, in order.
+    /// Calls `report(attribute)` for each attribute whose namespace and local name an earlier one
+    /// has, in order.
     template <class Report>
     void forEachDuplicate(Report report) {
         if (count_ > COMPARE_ALL) prepareSet();

@@ -22,8 +22,9 @@ inline constexpr std::array<std::uint8_t, 128> TABLE = [] {
     return table;
 }();
 
-/// Units beyond ASCII that begin a name without a colon: NameStartChar of XML 1.1 in the established, slightly wider
-/// form (U+00C0 to U+02FF without a gap, U+F900 to U+EFFFF). High surrogates stand for their supplementary characters.
+/// Units beyond ASCII that begin a name without a colon: NameStartChar of XML 1.1 in the
+/// established, slightly wider form (U+00C0 to U+02FF without a gap, U+F900 to U+EFFFF). High
+/// surrogates stand for their supplementary characters.
 constexpr bool isWideNameStart(char16_t c) {
     return (c >= 0x00C0 && c <= 0x02FF) || (c >= 0x0370 && c <= 0x1FFF && c != 0x037E) ||
            c == 0x200C || c == 0x200D || (c >= 0x2070 && c <= 0x218F) ||

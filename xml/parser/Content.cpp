@@ -78,7 +78,8 @@ void XmlParserImpl::readClosingBrackets() {
 
 /// White space; every other character is an error and left out.
 void XmlParserImpl::readTopLevelText() {
-    for (int c = scanner_.peek(); c != Scanner::END && c != u'<' && c != u'&'; c = scanner_.peek()) {
+    for (int c = scanner_.peek(); c != Scanner::END && c != u'<' && c != u'&';
+         c = scanner_.peek()) {
         if (isXmlSpace(static_cast<char16_t>(c))) {
             scanner_.skip();
             text_.append(static_cast<char16_t>(c));
@@ -90,11 +91,11 @@ void XmlParserImpl::readTopLevelText() {
 
 // References.
 
-/// Behind "&". With `expand`, the characters go into the text or the replacement onto the inputs; without, the event
-/// is ENTITY_REF. False when there is no event.
+/// Behind "&". With `expand`, the characters go into the text or the replacement onto the inputs;
+/// without, the reference is left to the caller. False when there is no event.
 bool XmlParserImpl::readReference(bool expand) {
     const bool inside = namespaces_.depth() > 0;
-    core_.event = expand ? TEXT : ENTITY_REF;
+    core_.event = ENTITY_REF;
     if (scanner_.accept(u'#')) {
         std::uint32_t c;
         if (!core_.readCharacterReference(c)) return false;
@@ -153,7 +154,7 @@ bool XmlParserImpl::readInstruction(UnicodeString* sink) {
 
 /// Behind "<!". False when there is no event.
 bool XmlParserImpl::readMarkup(UnicodeString* sink) {
-    if (scanner_.accept(u'[')) return readCdata(sink);
+    if (scanner_.accept(u'[')) return readCdata();
     if (scanner_.accept(u'-')) {
         core_.event = COMMENT;
         if (!scanner_.accept(u'-')) {
@@ -177,9 +178,9 @@ bool XmlParserImpl::readMarkup(UnicodeString* sink) {
     return true;
 }
 
-/// Behind "<![". In next() the section becomes text.
-bool XmlParserImpl::readCdata(UnicodeString* sink) {
-    core_.event = sink != nullptr ? CDSECT : TEXT;
+/// Behind "<![". The section goes into the text, at the top level nowhere.
+bool XmlParserImpl::readCdata() {
+    core_.event = CDSECT;
     if (ParserCore::keyword(scanner_.scanName()) != RN_CDATA || !scanner_.accept(u'[')) {
         core_.error(PARSE_BAD_CDATA);
         return false;

@@ -1,18 +1,22 @@
 // Document type declarations; see the header.
 //
-// Parameter entities become inputs of the scanner like all others, so a subset is read as one text. In the internal
-// subset references to them stand between declarations only; inside declarations "%" is looked at where the text comes
-// from an external subset or from a parameter entity. Each turn of a loop reads at least one character, also after an
-// error that a callback took.
+// Parameter entities become inputs of the scanner like all others, so a subset is read as one text.
+// In the internal subset references to them stand between declarations only; inside declarations
+// "%" is looked at where the text comes from an external subset or from a parameter entity. Each
+// turn of a loop reads at least one character, also after an error that a callback took.
 #include "xml/parser/Doctype.h"
 
 namespace RynCommon {
 
 namespace {
 
-UnicodeString str(const char16_t* text) { return UnicodeString(text); }
+UnicodeString str(const char16_t* text) {
+    return UnicodeString(text);
+}
 
-bool startsName(int c) { return c != Scanner::END && isNameStart(static_cast<char16_t>(c)); }
+bool startsName(int c) {
+    return c != Scanner::END && isNameStart(static_cast<char16_t>(c));
+}
 
 }  // namespace
 
@@ -65,7 +69,8 @@ bool DoctypeReader::readIdentifier(unsigned short missing, const UnicodeString& 
     return core_.readPlainLiteral(value);
 }
 
-/// ">"; after an error, goes on behind the declaration. `what` names the declaration that the input ended in.
+/// ">"; after an error, goes on behind the declaration. `what` names the declaration that the input
+/// ended in.
 void DoctypeReader::endDeclaration(const UnicodeString& what) {
     if (scanner_.accept(u'>')) return;
     if (scanner_.peek() == Scanner::END) {

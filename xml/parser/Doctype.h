@@ -15,8 +15,9 @@ struct Doctype {
     bool hasSystemId = false;
 };
 
-/// Reads markup declarations (XML 1.0, 2.8, 3.3, 3.4 and 4.2) into the entity tables of the core. Entities are
-/// declared; attribute declarations of the internal subset are kept; element and notation declarations are passed over.
+/// Reads markup declarations (XML 1.0, 2.8, 3.3, 3.4 and 4.2) into the entity tables of the core.
+/// Entities are declared; attribute declarations of the internal subset are kept; element and
+/// notation declarations are passed over.
 class DoctypeReader {
 public:
     DoctypeReader(ParserCore& core, AttributeDefaults* defaults)
@@ -35,8 +36,8 @@ private:
     void readConditional();
     void skipIgnored();
     void readEntity();
-    void readEntityDefinition(const UnicodeString& where, bool parameter,
-                              EntityDeclaration& entity, bool& valid);
+    void readEntityDefinition(const UnicodeString& where, bool parameter, EntityDeclaration& entity,
+                              bool& valid);
     void readAttributeList();
     bool readAttributeDefinition(AttributeDeclaration& attribute);
     bool readAttributeType(AttributeDeclaration& attribute);

@@ -34,8 +34,8 @@ void XmlParserImpl::readDoctype() {
         readExternalSubset(doctype.systemId);
 }
 
-/// Enters the entities of the external subset whose names are new. What a document's own parameter entities may have
-/// changed is not shared with other documents.
+/// Enters the entities of the external subset whose names are new. What a document's own parameter
+/// entities may have changed is not shared with other documents.
 void XmlParserImpl::readExternalSubset(const UnicodeString& systemId) {
     const UnicodeString uri = core_.resolve(systemId);
     if (startsWith(uri, MATHML_SYSTEM_ID)) {

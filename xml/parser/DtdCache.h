@@ -13,10 +13,11 @@
 
 namespace RynCommon {
 
-/// General entities by the resolved URI of the subset that declares them. A subset is read once: the first thread that
-/// asks reads it, without holding the lock; others that ask for the same URI wait for that one. A failure passes on to
-/// the reader and is not kept; a waiting thread then reads for itself. Parameter entities are never kept. The cache
-/// holds a bounded number of subsets and units, dropping the one unused for longest.
+/// General entities by the resolved URI of the subset that declares them. A subset is read once:
+/// the first thread that asks reads it, without holding the lock; others that ask for the same URI
+/// wait for that one. A failure passes on to the reader and is not kept; a waiting thread then
+/// reads for itself. Parameter entities are never kept. The cache holds a bounded number of subsets
+/// and units, dropping the one unused for longest.
 class DtdCache {
 public:
     using Entities = std::shared_ptr<const EntityTable>;
@@ -24,8 +25,8 @@ public:
 
     static DtdCache& instance();
 
-    /// The entities of `uri`, read by `read` when they are not known. A call from within `read` for the same URI reads
-    /// on its own.
+    /// The entities of `uri`, read by `read` when they are not known. A call from within `read` for
+    /// the same URI reads on its own.
     Entities get(const UnicodeString& uri, const Read& read);
     /// Forgets what is kept.
     void clear();

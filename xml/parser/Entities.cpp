@@ -28,9 +28,9 @@ void EntityTable::merge(const EntityTable& other) {
 std::size_t EntityTable::textSize() const {
     std::size_t size = 0;
     for (const auto& [name, entity] : entities_)
-        size += sizeof(Map::value_type) + 2u * static_cast<std::size_t>(entity.text.length() +
-                                                                         entity.systemId.length() +
-                                                                         entity.publicId.length());
+        size += sizeof(Map::value_type) +
+                2u * static_cast<std::size_t>(entity.text.length() + entity.systemId.length() +
+                                              entity.publicId.length());
     return size;
 }
 

@@ -21,8 +21,8 @@ struct EntityDeclaration {
     std::int32_t openCount = 0;  ///< inputs of it that are being read
 };
 
-/// Entities of one sort, general or parameter. The first declaration of a name binds (XML 1.0, 4.2). Declarations stay
-/// where they are until the table is cleared.
+/// Entities of one sort, general or parameter. The first declaration of a name binds
+/// (XML 1.0, 4.2). Declarations stay where they are until the table is cleared.
 class EntityTable {
 public:
     using Map = std::map<RyNameEnum, EntityDeclaration>;
@@ -44,7 +44,8 @@ private:
     Map entities_;
 };
 
-/// The replacement of one of the five entities that XML 1.0 predefines, as one character; 0 for another name.
+/// The replacement of one of the five entities that XML 1.0 predefines, as one character; 0 for
+/// another name.
 char16_t predefinedEntity(RyName name);
 
 }  // namespace RynCommon

@@ -38,8 +38,8 @@ void ParserCore::readTextDeclaration() {
         scanner.skip();
     }
     const int next = *expected == 0 ? scanner.peek() : Scanner::END;
-    const bool declaration = next != Scanner::END && isXmlSpace(static_cast<char16_t>(next)) &&
-                             scanner.depth() == depth;
+    const bool declaration =
+        next != Scanner::END && isXmlSpace(static_cast<char16_t>(next)) && scanner.depth() == depth;
     if (declaration) readXmlDeclaration(true);
     if (scanner.depth() == depth) scanner.topInput().setStepping(false);
     if (!declaration && !read.isEmpty()) scanner.pushText(read, nullptr);
@@ -92,7 +92,8 @@ void ParserCore::readXmlDeclaration(bool isTextDeclaration) {
                   encoding);
 }
 
-/// "=" and a literal, the name having been read. `missingSpace` is not empty when white space lacked before the name.
+/// "=" and a literal, the name having been read. `missingSpace` is not empty when white space
+/// lacked before the name.
 bool ParserCore::readPseudoAttribute(const UnicodeString& missingSpace,
                                      const UnicodeString& whereEquals, UnicodeString& value) {
     value.remove();

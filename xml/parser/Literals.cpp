@@ -1,7 +1,7 @@
 // Quoted values: of attributes, of entities, and plain ones.
 //
-// A literal ends at its quote only at the depth of inputs where it began: a quote that an entity's replacement text
-// brings is a character of the value.
+// A literal ends at its quote only at the depth of inputs where it began: a quote that an entity's
+// replacement text brings is a character of the value.
 #include "core/ShortScan.h"
 #include "xml/parser/ParserCore.h"
 

@@ -12,7 +12,7 @@ namespace RynCommon {
 
 namespace {
 
-constexpr std::size_t FIRST_SLOTS = 256;
+constexpr std::size_t FIRST_SLOTS = 64;
 constexpr std::size_t ENTRY_BLOCK = 128;
 constexpr std::size_t TEXT_BLOCK = 4096;
 
@@ -20,6 +20,16 @@ constexpr std::size_t TEXT_BLOCK = 4096;
 
 NameCache::NameCache() : slots_(FIRST_SLOTS), seed_(textHashSeed()) {}
 NameCache::~NameCache() = default;
+
+void NameCache::clear() {
+    slots_ = std::vector<Slot>(FIRST_SLOTS);
+    count_ = 0;
+    textBlocks_.clear();
+    textRoom_ = 0;
+    textNext_ = nullptr;
+    entryBlocks_.clear();
+    entryRoom_ = 0;
+}
 
 const CachedName& NameCache::find(const char16_t* text, std::size_t length, std::ptrdiff_t colon) {
     const auto hash = static_cast<std::uint32_t>(hashText(text, length, seed_));

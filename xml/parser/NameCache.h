@@ -18,14 +18,18 @@ struct CachedName {
     RyName local;
 };
 
-/// Maps spelt names to interned ones. Each distinct spelling takes the lock of the shared table once (twice with a
-/// prefix); afterwards it is found by the hash of its units. Entries stay where they are for the life of the cache.
+/// Maps spelt names to interned ones. Each distinct spelling takes the lock of the shared table
+/// once (twice with a prefix); afterwards it is found by the hash of its units. Entries stay where
+/// they are for the life of the cache.
 class NameCache {
 public:
     NameCache();
     ~NameCache();
     NameCache(const NameCache&) = delete;
     NameCache& operator=(const NameCache&) = delete;
+
+    /// Forgets all names and frees their memory.
+    void clear();
 
     /// `colon` is the index of the colon between prefix and local name, or -1.
     const CachedName& find(const char16_t* text, std::size_t length, std::ptrdiff_t colon);

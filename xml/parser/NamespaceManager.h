@@ -13,8 +13,9 @@ namespace RynCommon {
 
 /// The stack of open elements with the namespaces that each declares.
 ///
-/// Bindings lie in one array, outermost first. A hash table leads from a prefix to its innermost binding, and each
-/// binding to the one that it hides, so that a look-up costs the same at any depth.
+/// Bindings lie in one array, outermost first. A hash table leads from a prefix to its innermost
+/// binding, and each binding to the one that it hides, so that a look-up costs the same at any
+/// depth.
 class NamespaceManager {
 public:
     struct Element {
@@ -36,9 +37,11 @@ public:
         elements_.pop_back();
         if (bindings_.size() > first) unbindFrom(first);
     }
-    /// Binds on the innermost open element, or around the root when none is open. An empty namespace unbinds.
+    /// Binds on the innermost open element, or around the root when none is open. An empty
+    /// namespace unbinds.
     void bind(RyName prefix, RyName ns);
-    /// The namespace of a prefix (empty: the default); the empty name when unbound. "xml" and "xmlns" are always bound.
+    /// The namespace of a prefix (empty: the default); the empty name when unbound. "xml" and
+    /// "xmlns" are always bound.
     RyName lookup(RyName prefix) const {
         return prefix.isEmpty() ? namespaceAt(defaultBinding_) : lookupPrefix(prefix);
     }
@@ -73,7 +76,8 @@ private:
 
     std::vector<Element> elements_;
     std::vector<Binding> bindings_;
-    std::vector<Slot> slots_;  // prefixes other than the empty one; open addressing, never removed from
+    std::vector<Slot>
+        slots_;  // prefixes other than the empty one; open addressing, never removed from
     std::size_t prefixCount_ = 0;
     std::int32_t defaultBinding_ = -1;
 };

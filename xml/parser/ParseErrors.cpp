@@ -10,9 +10,9 @@ namespace {
 
 struct ErrorText {
     unsigned short code;
-    const char16_t* before;  // what stands before the first argument
+    const char16_t* before;             // what stands before the first argument
     const char16_t* between = nullptr;  // after it; null: the text takes no argument
-    const char16_t* after = nullptr;  // after the second argument; null: the text takes one
+    const char16_t* after = nullptr;    // after the second argument; null: the text takes one
 };
 
 // In order of the codes.
@@ -84,8 +84,7 @@ UnicodeString parseErrorText(unsigned short code, const UnicodeString& arg0,
     const auto* const found =
         std::lower_bound(std::begin(TEXTS), std::end(TEXTS), code,
                          [](const ErrorText& row, unsigned short key) { return row.code < key; });
-    if (found == std::end(TEXTS) || found->code != code)
-        return UnicodeString(u"XML parser error.");
+    if (found == std::end(TEXTS) || found->code != code) return UnicodeString(u"XML parser error.");
     UnicodeString text(found->before);
     if (found->between != nullptr) text.append(arg0).append(UnicodeString(found->between));
     if (found->after != nullptr) text.append(arg1).append(UnicodeString(found->after));

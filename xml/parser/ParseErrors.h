@@ -66,8 +66,8 @@ enum ParseErrorCode : unsigned short {
     PARSE_UNDEFINED_ENTITY = 7710
 };
 
-/// Message of a code; "{0}" and "{1}" of its pattern take the arguments. Codes that the table lacks have the fallback
-/// text.
+/// Message of a code; "{0}" and "{1}" of its pattern take the arguments. Codes that the table lacks
+/// have the fallback text.
 UnicodeString parseErrorText(unsigned short code, const UnicodeString& arg0,
                              const UnicodeString& arg1);
 

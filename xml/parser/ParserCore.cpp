@@ -13,11 +13,17 @@ namespace RynCommon {
 
 namespace {
 
-constexpr const char16_t* EVENT_NAMES[] = {
-    u"START_DOCUMENT", u"END_DOCUMENT", u"START_TAG",
-    u"END_TAG",        u"TEXT",         u"CDSECT",
-    u"ENTITY_REF",     u"IGNORABLE_WHITESPACE",
-    u"PROCESSING_INSTRUCTION", u"COMMENT", u"DOCDECL"};
+constexpr const char16_t* EVENT_NAMES[] = {u"START_DOCUMENT",
+                                           u"END_DOCUMENT",
+                                           u"START_TAG",
+                                           u"END_TAG",
+                                           u"TEXT",
+                                           u"CDSECT",
+                                           u"ENTITY_REF",
+                                           u"IGNORABLE_WHITESPACE",
+                                           u"PROCESSING_INSTRUCTION",
+                                           u"COMMENT",
+                                           u"DOCDECL"};
 
 /// Flag bits of a code, which no thrown error carries.
 constexpr unsigned short FLAG_BITS = 0x0700;
@@ -42,9 +48,9 @@ void ParserCore::reset() {
 void ParserCore::error(unsigned short code, const UnicodeString& arg0, const UnicodeString& arg1) {
     const UnicodeString message = parseErrorText(code, arg0, arg1);
     if (callback == nullptr) raise(code, message);
-    callback(RyError(code, message, UnicodeString(u"RynCommon::XmlParserImpl"), -1, -1,
-                     UnicodeString()),
-             callbackUser);
+    callback(
+        RyError(code, message, UnicodeString(u"RynCommon::XmlParserImpl"), -1, -1, UnicodeString()),
+        callbackUser);
 }
 
 void ParserCore::raise(unsigned short code, const UnicodeString& message) {
@@ -65,7 +71,9 @@ UnicodeString ParserCore::positionDescription() {
     return text.append(u'.');
 }
 
-void ParserCore::invalidCharacterRead() { error(PARSE_INVALID_CHARACTER); }
+void ParserCore::invalidCharacterRead() {
+    error(PARSE_INVALID_CHARACTER);
+}
 
 /// The limit ends reading whether or not a callback takes errors.
 void ParserCore::countExpansion(std::int32_t units) {
@@ -118,7 +126,8 @@ void appendRun(UnicodeString* sink, char16_t unit, std::int32_t count) {
 
 }  // namespace
 
-/// Up to "-->". A run of more hyphens is reported once and belongs to the text, but for the two that end the comment.
+/// Up to "-->". A run of more hyphens is reported once and belongs to the text, but for the two
+/// that end the comment.
 void ParserCore::readCommentRest(UnicodeString* sink) {
     while (readUpTo(u'-', sink)) {
         const std::int32_t hyphens = readRunOf(u'-');

@@ -14,8 +14,9 @@
 
 namespace RynCommon {
 
-/// The common ground of event reading and DOCTYPE reading. All reading functions raise errors through error(), which
-/// returns when a callback took the error; each then goes on so that input is consumed or state changes.
+/// The common ground of event reading and DOCTYPE reading. All reading functions raise errors
+/// through error(), which returns when a callback took the error; each then goes on so that input
+/// is consumed or state changes.
 class ParserCore final : private ScannerOwner {
 public:
     /// What the window's change concerns besides.
@@ -39,9 +40,7 @@ public:
     void error(unsigned short code, const UnicodeString& arg0 = UnicodeString(),
                const UnicodeString& arg1 = UnicodeString());
     /// Error 6156 about the character at the reading point, which is not read.
-    void unexpectedCharacter() {
-        error(PARSE_UNEXPECTED_CHARACTER, scanner.peekCharacter());
-    }
+    void unexpectedCharacter() { error(PARSE_UNEXPECTED_CHARACTER, scanner.peekCharacter()); }
     UnicodeString positionDescription();
     bool feature(RyXmlParser::Feature feature) const {
         return features[static_cast<std::size_t>(feature)];
@@ -61,18 +60,20 @@ public:
     bool readEntityName(char16_t sign, RyName& name);
     /// Where a reference to a general entity leads.
     enum class Expansion { TEXT, INPUT, NOTHING };
-    /// Resolves a general entity: appends its characters to `text` where they need no reading (predefined and MathML
-    /// entities), or pushes its replacement on the inputs. External entities only where they are allowed; all that
-    /// cannot be resolved is error 7710.
+    /// Resolves a general entity: appends its characters to `text` where they need no reading
+    /// (predefined and MathML entities), or pushes its replacement on the inputs. External entities
+    /// only where they are allowed; all that cannot be resolved is error 7710.
     Expansion expandGeneral(RyName name, UnicodeString& text, bool externalAllowed);
-    /// Resolves a parameter entity, its replacement padded with blanks where it stands between tokens.
+    /// Resolves a parameter entity, its replacement padded with blanks where it stands between
+    /// tokens.
     void expandParameter(RyName name, bool padded);
     /// Adds to what entities have given so far and raises the limit's error.
     void countExpansion(std::int32_t units);
 
     // Literals; the reading point is before the quote. False when there is none.
-    /// An attribute value: references resolved, white space characters as blanks. A value that stands in the window as
-    /// it is becomes a read-only alias of the window's units, until windowLeaves() makes it a copy.
+    /// An attribute value: references resolved, white space characters as blanks. A value that
+    /// stands in the window as it is becomes a read-only alias of the window's units, until
+    /// windowLeaves() makes it a copy.
     bool readAttributeValue(UnicodeString& value);
     /// An entity value: character references and parameter entities resolved.
     bool readEntityValue(UnicodeString& value);
@@ -90,8 +91,8 @@ public:
     // Inputs.
     /// The URI of a system identifier, resolved against the base.
     UnicodeString resolve(const UnicodeString& systemId) const;
-    /// Pushes an external entity and reads its text declaration. Raises 4099 when a file does not open; other schemes
-    /// are passed over.
+    /// Pushes an external entity and reads its text declaration. Raises 4099 when a file does not
+    /// open; other schemes are passed over.
     void pushExternal(EntityDeclaration& entity);
     /// Reads the rest of an XML or text declaration behind "<?xml".
     void readXmlDeclaration(bool isTextDeclaration);

@@ -1,8 +1,9 @@
 // Character and entity references.
 //
-// A reference in content or in a literal is either a character, appended at once, or an entity whose replacement text
-// becomes the topmost input of the scanner: what it holds is read like any other text, references in it included. While
-// an entity is being read it counts as open, and a reference to an open entity is an undefined one.
+// A reference in content or in a literal is either a character, appended at once, or an entity
+// whose replacement text becomes the topmost input of the scanner: what it holds is read like any
+// other text, references in it included. While an entity is being read it counts as open, and a
+// reference to an open entity is an undefined one.
 #include <algorithm>
 
 #include "xml/names/MathMLEntities.h"
@@ -87,8 +88,10 @@ ParserCore::Expansion ParserCore::expandGeneral(RyName name, UnicodeString& text
         std::int32_t length = 0;
         const UnicodeString& spelt = name.toString();
         const char16_t* const replacement =
-            mathMLEntities ? MathMLEntities::find(std::u16string_view(
-                                 spelt.getBuffer(), static_cast<std::size_t>(spelt.length())), length)
+            mathMLEntities ? MathMLEntities::find(
+                                 std::u16string_view(spelt.getBuffer(),
+                                                     static_cast<std::size_t>(spelt.length())),
+                                 length)
                            : nullptr;
         if (replacement == nullptr) {
             error(PARSE_UNDEFINED_ENTITY, spelt);
@@ -116,8 +119,7 @@ ParserCore::Expansion ParserCore::expandGeneral(RyName name, UnicodeString& text
 
 void ParserCore::expandParameter(RyName name, bool padded) {
     EntityDeclaration* const entity = parameterEntities.find(name);
-    const bool external =
-        entity != nullptr && entity->kind == EntityDeclaration::Kind::EXTERNAL;
+    const bool external = entity != nullptr && entity->kind == EntityDeclaration::Kind::EXTERNAL;
     if (entity == nullptr || scanner.isOpen(entity) ||
         (external && scanner.isOpen(resolve(entity->systemId)))) {
         error(PARSE_UNDEFINED_PARAMETER_ENTITY, name.toString());

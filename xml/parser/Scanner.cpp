@@ -21,6 +21,17 @@ void Scanner::begin(const UnicodeString& uri) {
     cur_ = end_ = seen_ = nullptr;
 }
 
+void Scanner::releaseBuffers() {
+    while (depth_ > 1) pop();
+    sources_.resize(1);
+    countedInput();
+    base().close();
+    base().releaseBuffers();
+    cur_ = end_ = seen_ = nullptr;
+    collected_ = UnicodeString();
+    capture_ = nullptr;
+}
+
 // Windows and inputs.
 
 bool Scanner::more() {
@@ -112,7 +123,9 @@ bool Scanner::isOpen(const UnicodeString& uri) const {
     return false;
 }
 
-bool Scanner::isOpen(const EntityDeclaration* entity) const { return entity->openCount != 0; }
+bool Scanner::isOpen(const EntityDeclaration* entity) const {
+    return entity->openCount != 0;
+}
 
 std::uint64_t Scanner::unitsRead() const {
     std::uint64_t units = unitsOfClosedInputs_;
@@ -138,8 +151,12 @@ TextInput& Scanner::countedInput() {
     return input;
 }
 
-int Scanner::line() { return countedInput().line(); }
-int Scanner::column() { return countedInput().column(); }
+int Scanner::line() {
+    return countedInput().line();
+}
+int Scanner::column() {
+    return countedInput().column();
+}
 
 // Single units and runs.
 
@@ -175,8 +192,7 @@ bool Scanner::skipSpaceSlowly() {
     }
 }
 
-Scanner::Name Scanner::nameUpTo(const char16_t* begin, const char16_t* end,
-                                std::ptrdiff_t colon) {
+Scanner::Name Scanner::nameUpTo(const char16_t* begin, const char16_t* end, std::ptrdiff_t colon) {
     cur_ = end;
     look(end + 1);
     return {begin, static_cast<std::size_t>(end - begin), colon, true};

@@ -27,12 +27,13 @@ protected:
     ~ScannerOwner() = default;
 };
 
-/// Inputs lie on a stack: the document's stream, above it replacement texts and streams of entities. Text of the top
-/// input is read through a window [cur, end); when it is used up, more() gets the next window or goes on in the input
-/// below. A run that is being collected must be copied out before more() is called.
+/// Inputs lie on a stack: the document's stream, above it replacement texts and streams of
+/// entities. Text of the top input is read through a window [cur, end); when it is used up, more()
+/// gets the next window or goes on in the input below. A run that is being collected must be copied
+/// out before more() is called.
 ///
-/// Line and column are those of the topmost stream, as far as it has been looked at: `seen` is the place behind the
-/// last unit that a decision needed, which may lie beyond `cur`.
+/// Line and column are those of the topmost stream, as far as it has been looked at: `seen` is the
+/// place behind the last unit that a decision needed, which may lie beyond `cur`.
 class Scanner {
 public:
     static constexpr int END = -1;
@@ -54,7 +55,8 @@ public:
     /// The document's own input; prepare it, then call begin().
     TextInput& base() { return *sources_.front()->input; }
     const TextInput& base() const { return *sources_.front()->input; }
-    /// Forgets all other inputs and stands at the start of the base, whose URI is kept for recognising recursion.
+    /// Forgets all other inputs and stands at the start of the base, whose URI is kept for
+    /// recognising recursion.
     void begin(const UnicodeString& uri);
 
     // Single units.
@@ -92,8 +94,8 @@ public:
     }
     /// Reads a name without a colon; incomplete when none starts here.
     Name scanName();
-    /// Reads a name with at most one colon; incomplete when none starts here. A colon that no local name follows is
-    /// read and makes the name incomplete, too.
+    /// Reads a name with at most one colon; incomplete when none starts here. A colon that no local
+    /// name follows is read and makes the name incomplete, too.
     Name scanQName();
     /// Appends everything up to a unit for which `isStop` holds, which is not read.
     template <class IsStop>
@@ -116,11 +118,14 @@ public:
     bool more();
 
     // Inputs.
+    /// Forgets all inputs and frees their memory. The position of the base stays.
+    void releaseBuffers();
     /// Number of inputs on the stack: 1 for the document alone.
     std::size_t depth() const { return depth_; }
     /// Goes on reading in `text`, then here again. `entity` is held open meanwhile.
     void pushText(const UnicodeString& text, EntityDeclaration* entity);
-    /// Goes on reading in a stream, which has been started; `uri` is kept for recognising recursion.
+    /// Goes on reading in a stream, which has been started; `uri` is kept for recognising
+    /// recursion.
     void pushInput(std::unique_ptr<TextInput> input, const UnicodeString& uri,
                    EntityDeclaration* entity);
     /// The topmost stream.
@@ -166,7 +171,8 @@ private:
     const char16_t* cur_ = nullptr;
     const char16_t* end_ = nullptr;
     const char16_t* seen_ = nullptr;
-    // Sources stay where they are, since windows may point into a short text itself, and are used again.
+    // Sources stay where they are, since windows may point into a short text itself, and are used
+    // again.
     std::vector<std::unique_ptr<Source>> sources_;
     std::size_t depth_ = 1;
     UnicodeString collected_;  // a name that crosses windows

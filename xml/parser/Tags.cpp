@@ -40,10 +40,7 @@ void XmlParserImpl::readStartTag() {
         name = &core_.find(spelt);
     else
         core_.error(PARSE_BAD_START_TAG_NAME);
-    if (!rootSeen_) {
-        rootSeen_ = true;
-        rootName_ = name->local;
-    }
+    rootSeen_ = true;
     namespaces_.push(*name);
     attributes_.clear();
     emptyTag_ = hasPrefixedAttribute_ = false;
@@ -110,12 +107,13 @@ void XmlParserImpl::readAttribute() {
     if (!name.prefix.isEmpty()) hasPrefixedAttribute_ = true;
     if (!attribute.isNamespaceDeclaration()) return;
     const UnicodeString& uri = attribute.value;
-    namespaces_.bind(name.prefix.isEmpty() ? RyName() : name.local,
-                     core_.names.findWhole(uri.getBuffer(),
-                                           static_cast<std::size_t>(uri.length())));
+    namespaces_.bind(
+        name.prefix.isEmpty() ? RyName() : name.local,
+        core_.names.findWhole(uri.getBuffer(), static_cast<std::size_t>(uri.length())));
 }
 
-/// Reports what was read of the name with what follows up to a delimiter; at least one character is read.
+/// Reports what was read of the name with what follows up to a delimiter; at least one character is
+/// read.
 void XmlParserImpl::readBadAttributeName(const Scanner::Name& name) {
     UnicodeString text = name.toString();
     const auto isDelimiter = [](char16_t c) {
@@ -217,8 +215,7 @@ bool XmlParserImpl::readEndTag() {
     const char16_t* const begin = scanner_.cursor();
     const std::size_t length = expected.length;
     if (length != 0 && static_cast<std::size_t>(scanner_.limit() - begin) > length &&
-        begin[length] == u'>' &&
-        equalUnits(begin, expected.text, length)) {
+        begin[length] == u'>' && equalUnits(begin, expected.text, length)) {
         scanner_.moveTo(begin + length + 1);
         return true;
     }
@@ -229,8 +226,7 @@ bool XmlParserImpl::readEndTag() {
     const Scanner::Name spelt = scanner_.scanQName();
     if (!spelt.complete) {
         core_.error(PARSE_BAD_END_TAG_NAME);
-    } else if (!open || spelt.length != length ||
-               !equalUnits(spelt.text, expected.text, length)) {
+    } else if (!open || spelt.length != length || !equalUnits(spelt.text, expected.text, length)) {
         core_.error(PARSE_END_TAG_MISMATCH, spelt.toString(), qualified(expected));
     }
     scanner_.skipSpace();

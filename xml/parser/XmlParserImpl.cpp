@@ -1,11 +1,13 @@
 // The events of the parser; see the header.
 //
-// peekToken() says what comes next, reading just the characters that tell it ("<", "</", "<?", "<!" or "&"), and the
-// token stays there until it is taken. nextToken() takes one token and gives its event; next() goes on through text,
-// references, CDATA sections, comments and instructions, gathering the characters in one buffer, until a tag or the
-// end comes, which it leaves for the next call when there is text to give first.
+// peekToken() says what comes next, reading just the characters that tell it ("<", "</", "<?", "<!"
+// or "&"), and the token stays there until it is taken. nextToken() takes one token and gives its
+// event; next() goes on through text, references, CDATA sections, comments and instructions,
+// gathering the characters in one buffer, until a tag or the end comes, which it leaves for the
+// next call when there is text to give first.
 //
-// core_.event is the event whose reading has begun: it is what an error shows, and what the accessors answer for.
+// core_.event is the event whose reading has begun: it is what an error shows, and what the
+// accessors answer for.
 #include "xml/parser/XmlParserImpl.h"
 
 #include <RynCommon/RyString.h>
@@ -24,7 +26,9 @@ bool XmlParserImpl::isA(unsigned int id) const {
     return id == getStaticTypeID() || RyXmlParser::isA(id);
 }
 
-UnicodeString XmlParserImpl::getTypeName() const { return UnicodeString(u"XmlParserImpl"); }
+UnicodeString XmlParserImpl::getTypeName() const {
+    return UnicodeString(u"XmlParserImpl");
+}
 
 // Settings.
 
@@ -48,9 +52,15 @@ void XmlParserImpl::setCallbackError(ErrorCallback callback, void* user) {
     core_.callbackUser = user;
 }
 
-void XmlParserImpl::setLimits(const RyXmlLimits& limits) { core_.limits = limits; }
-const RyXmlLimits& XmlParserImpl::getLimits() const { return core_.limits; }
-void XmlParserImpl::addMathMLEntityMap() { core_.mathMLEntities = true; }
+void XmlParserImpl::setLimits(const RyXmlLimits& limits) {
+    core_.limits = limits;
+}
+const RyXmlLimits& XmlParserImpl::getLimits() const {
+    return core_.limits;
+}
+void XmlParserImpl::addMathMLEntityMap() {
+    core_.mathMLEntities = true;
+}
 
 void XmlParserImpl::defineEntityReplacementText(RyName name, const UnicodeString& text) {
     core_.generalEntities.define(name, text);
@@ -65,7 +75,7 @@ void XmlParserImpl::resetDocument() {
     defaults_.clear();
     text_.remove();
     isAliased_ = false;
-    entityName_ = rootName_ = RyName();
+    entityName_ = RyName();
     token_ = Token::NONE;
     started_ = failed_ = rootSeen_ = doctypeSeen_ = emptyTag_ = false;
 }
@@ -95,7 +105,21 @@ void XmlParserImpl::setInput(std::istream& in, const UnicodeString& encoding,
     core_.applyGivenEncoding(scanner_.base(), encoding);
 }
 
-void XmlParserImpl::closeStream() { scanner_.base().close(); }
+void XmlParserImpl::closeStream() {
+    scanner_.base().close();
+}
+
+void XmlParserImpl::releaseBuffers() {
+    if (scanner_.base().isOpen() && !failed_) return;
+    namespaces_.reset();  // elements that a failure left open point to names
+    scanner_.releaseBuffers();
+    core_.names.clear();
+    attributes_ = AttributeList();
+    text_ = UnicodeString();
+    isAliased_ = false;
+    token_ = Token::NONE;
+    failed_ = true;  // until the next input
+}
 
 /// Raises what a missing or failed input is; reads its first byte.
 void XmlParserImpl::checkStream() {
@@ -109,7 +133,8 @@ void XmlParserImpl::checkStream() {
     }
 }
 
-/// Sniffs the encoding. An XML declaration is read character by character, since it may change the decoder.
+/// Sniffs the encoding. An XML declaration is read character by character, since it may change the
+/// decoder.
 void XmlParserImpl::start() {
     checkStream();
     started_ = true;
@@ -121,7 +146,8 @@ void XmlParserImpl::start() {
 
 // Events.
 
-/// Runs `read`; whatever escapes from it ends the document, so that nothing reads on from a broken state.
+/// Runs `read`; whatever escapes from it ends the document, so that nothing reads on from a broken
+/// state.
 template <class Read>
 RyXmlParser::EventType XmlParserImpl::guarded(Read read) {
     try {
@@ -306,11 +332,21 @@ RyName XmlParserImpl::getNamespaceUri(int index) const {
 RyName XmlParserImpl::getNamespace() const {
     return namespaces_.depth() > 0 ? namespaces_.top().ns : RyName();
 }
-RyName XmlParserImpl::getNamespace(RyName prefix) const { return namespaces_.lookup(prefix); }
-int XmlParserImpl::getDepth() const { return namespaces_.depth(); }
-UnicodeString XmlParserImpl::getPositionDescription() const { return core_.positionDescription(); }
-int XmlParserImpl::getLineNumber() const { return core_.scanner.line(); }
-int XmlParserImpl::getColumnNumber() const { return core_.scanner.column(); }
+RyName XmlParserImpl::getNamespace(RyName prefix) const {
+    return namespaces_.lookup(prefix);
+}
+int XmlParserImpl::getDepth() const {
+    return namespaces_.depth();
+}
+UnicodeString XmlParserImpl::getPositionDescription() const {
+    return core_.positionDescription();
+}
+int XmlParserImpl::getLineNumber() const {
+    return core_.scanner.line();
+}
+int XmlParserImpl::getColumnNumber() const {
+    return core_.scanner.column();
+}
 
 bool XmlParserImpl::isWhitespace() const {
     if (core_.event == IGNORABLE_WHITESPACE) return true;
@@ -322,7 +358,9 @@ bool XmlParserImpl::isWhitespace() const {
     return true;
 }
 
-const UnicodeString& XmlParserImpl::getText() const { return isAliased_ ? alias_ : text_; }
+const UnicodeString& XmlParserImpl::getText() const {
+    return isAliased_ ? alias_ : text_;
+}
 
 RyName XmlParserImpl::getName() const {
     if (core_.event == ENTITY_REF) return entityName_;
@@ -339,7 +377,9 @@ bool XmlParserImpl::isEmptyElementTag() const {
     return emptyTag_;
 }
 
-int XmlParserImpl::getAttributeCount() const { return static_cast<int>(attributes_.size()); }
+int XmlParserImpl::getAttributeCount() const {
+    return static_cast<int>(attributes_.size());
+}
 
 const ParsedAttribute& XmlParserImpl::attributeAt(int index, int location) const {
     if (index < 0 || static_cast<std::size_t>(index) >= attributes_.size())
@@ -366,7 +406,11 @@ const UnicodeString& XmlParserImpl::getAttributeValue(RyName ns, RyName name) co
     return attribute->value;
 }
 
-RyXmlParser::EventType XmlParserImpl::getEventType() const { return core_.event; }
-const UnicodeString& XmlParserImpl::getBaseUri() const { return core_.baseUri; }
+RyXmlParser::EventType XmlParserImpl::getEventType() const {
+    return core_.event;
+}
+const UnicodeString& XmlParserImpl::getBaseUri() const {
+    return core_.baseUri;
+}
 
 }  // namespace RynCommon

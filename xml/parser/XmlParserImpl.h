@@ -13,7 +13,8 @@
 
 namespace RynCommon {
 
-/// The library's own parser. An event without references in it allocates nothing once buffers have grown.
+/// The library's own parser. An event without references in it allocates nothing once buffers have
+/// grown.
 class XmlParserImpl final : public RyXmlParser, private ParserCore::WindowUser {
 public:
     XmlParserImpl();
@@ -62,9 +63,11 @@ public:
     void addMathMLEntityMap() override;
     void setLimits(const RyXmlLimits& limits) override;
     const RyXmlLimits& getLimits() const override;
+    void releaseBuffers() override;
 
 private:
-    /// What the characters at the reading point begin; for all but TEXT and END they have been read.
+    /// What the characters at the reading point begin; for all but TEXT and END they have been
+    /// read.
     enum class Token : std::uint8_t {
         NONE,  // not looked at yet
         START_TAG,
@@ -99,7 +102,7 @@ private:
     bool readReference(bool expand);
     bool readInstruction(UnicodeString* sink);
     bool readMarkup(UnicodeString* sink);
-    bool readCdata(UnicodeString* sink);
+    bool readCdata();
     void readClosingBrackets();
     void topLevelError(const UnicodeString& text);
 
@@ -133,7 +136,6 @@ private:
     UnicodeString alias_;  // a text that stands in the window as it is
     bool isAliased_ = false;
     RyName entityName_;
-    RyName rootName_;
     Token token_ = Token::NONE;
     bool started_ = false;
     bool failed_ = false;

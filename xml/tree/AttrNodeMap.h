@@ -5,6 +5,8 @@
 
 #include <memory>
 
+#include "xml/tree/NodeMemory.h"
+
 namespace RynCommon {
 
 class AttrIndex;
@@ -16,6 +18,10 @@ class AttrNodeMap final : public RyNamedNodeMap {
 public:
     explicit AttrNodeMap(RyElement* element) : element_(element) {}
     ~AttrNodeMap() override;
+    static void* operator new(std::size_t size) { return NodeMemory::allocate(size); }
+    static void operator delete(void* map, std::size_t size) noexcept {
+        NodeMemory::release(map, size);
+    }
     AttrNodeMap(const AttrNodeMap&) = delete;
     AttrNodeMap& operator=(const AttrNodeMap&) = delete;
 

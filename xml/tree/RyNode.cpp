@@ -9,6 +9,7 @@
 #include "core/ErrorLocations.h"
 #include "xml/document/Loader.h"
 #include "xml/tree/NodeLinks.h"
+#include "xml/tree/NodeMemory.h"
 
 namespace RynCommon {
 
@@ -37,6 +38,14 @@ inline void loadUntil(const RyNode& node, Known isKnown) {
 
 RyNode::~RyNode() {
     if (last_ != nullptr) NodeLinks::releaseChildren(*this);
+}
+
+void* RyNode::operator new(std::size_t size) {
+    return NodeMemory::allocate(size);
+}
+
+void RyNode::operator delete(void* node, std::size_t size) noexcept {
+    NodeMemory::release(node, size);
 }
 
 unsigned int RyNode::getTypeID() const {

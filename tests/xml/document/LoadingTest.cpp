@@ -18,7 +18,7 @@ TEST(RyDocumentLoading, TextsGiveTheTreesExpected) {
         {"<a/>", "a"},
         {"\uFEFF<a/>", "a"},
         {"<?xml version='1.0' encoding='Shift_JIS'?><a>\u65E5</a>", "a(\"\u65E5\")"},
-        {"<!--c--><?p?><a b='1' c='2'><!--c-->x<!--d-->y<![CDATA[<]]>&amp;</a><!--e-->",
+        {"<!--c--><?p q?><a b='1' c='2'><!--c-->x<!--d-->y<![CDATA[<]]>&amp;</a><!--e-->",
          "a[b=1,c=2](\"xy<&\")"},
         {"<p:a xmlns:p='u' p:b=''><p:c/></p:a>", "p:a[xmlns:p=u,p:b=](p:c)"},
         {"<a>\n <b/>\n</a>\n", "a(\"\n \",b,\"\n\")"},

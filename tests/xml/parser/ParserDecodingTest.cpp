@@ -215,6 +215,30 @@ TEST(ParserDecoding, LinesAndColumnsCountCharacters) {
     }
 }
 
+TEST(ParserDecoding, BlockBoundariesAreInvisible) {
+    const std::u32string piece =
+        U"\u00E9\u4E2D\U0001F600\r\n]]\r&#x4E2D;<![CDATA[\r\n]]]]><b c='\u4E2D\t&lt;'/>\U0001F600";
+    const std::string shownPiece =
+        "\\u{E9}\\u{4E2D}\\u{1F600}\\n]]\\n\\u{4E2D}\\n]]) S(b c=\\u{4E2D} <) E(b) T(\\u{1F600}";
+    for (const char* encoding : {"UTF-8", "UTF-16LE", "UTF-32BE"}) {
+        const std::size_t unit = encode(encoding, U"x").size();
+        const std::size_t length = piece.size() + 12;
+        for (std::size_t block = 512; block <= 65536; block *= 2) {
+            for (std::size_t before = 0; before < length; ++before) {
+                const std::size_t padding = block / unit - before;
+                const std::string bytes = inRoot(encoding, std::u32string(padding, U'x') + piece);
+                const Outcome outcome = run(bytes);
+                if (outcome.summary() !=
+                    "S(a) T(" + std::string(padding, 'x') + shownPiece + ") E(a) .") {
+                    const std::string seen = outcome.summary();
+                    ADD_FAILURE() << encoding << " " << padding << " before: ..."
+                                  << seen.substr(std::min(seen.size(), padding));
+                }
+            }
+        }
+    }
+}
+
 TEST(ParserDecoding, MarksAreNoCharacters) {
     for (const char* encoding : {"UTF-8", "UTF-16LE", "UTF-16BE", "UTF-32LE", "UTF-32BE"}) {
         const Outcome outcome = run(encode(encoding, U"\uFEFF<a></b>"));

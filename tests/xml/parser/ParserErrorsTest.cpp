@@ -88,7 +88,7 @@ TEST(ParserErrors, TextAndMarkup) {
         {6163, "<!--a--b--><a/>", "Unexpected character after -- in comment",
          "COMMENT, Line 1, Col 8"},
         {6163, "<!--a---><a/>", "Unexpected character after -- in comment",
-         "COMMENT, Line 1, Col 8"},
+         "COMMENT, Line 1, Col *"},
         {6184, "<a><![CDAT[x]]></a>", "Invalid syntax in CDATA section.", "CDSECT, Line 1, Col *"},
         {6184, "<a><![CDATA x]]></a>", "Invalid syntax in CDATA section.",
          "CDSECT, Line 1, Col 12"},

@@ -167,7 +167,7 @@ TEST(ParserHostile, EveryStartOfMarkupEnds) {
 }
 
 TEST(ParserHostile, MegabytesWithoutAnEnd) {
-    const std::string filler = repeat("x", 10'000'000);
+    const std::string filler = repeat("x", 2'000'000);
     for (const std::string start :
          {"<!--", "<a><![CDATA[", "<?p ", "<a b='", "<a>", "<a>&", "<", "<a ", "</", "<a>&#", "<?",
           "<!", "<!DOCTYPE ", "<!DOCTYPE a [<!ENTITY e '", "<!DOCTYPE a [%",
@@ -180,7 +180,7 @@ TEST(ParserHostile, MegabytesWithoutAnEnd) {
 TEST(ParserHostile, MegabytesOfOneCharacter) {
     for (const std::string piece : {"<", ">", "&", "/", "]", "]]>", "<!", "<a ", "</a>", "&#", "\r",
                                     "%", "\x80", "\xEF\xBF\xBF", "-", "<!--", "<?", "'", "="}) {
-        const std::string many = repeat(piece, 200'000);
+        const std::string many = repeat(piece, 50'000);
         for (const std::string before : {"", "<a>", "<a b='", "<!--", "<!DOCTYPE a ["}) {
             std::size_t errors = 0;
             const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
@@ -249,17 +249,18 @@ TEST(ParserHostile, ManyAttributes) {
 }
 
 TEST(ParserHostile, HugeNamesAndValues) {
-    const std::string name = repeat("n", 10'000'000);
+    const std::string huge = repeat("n", 10'000'000);
+    const std::string name = repeat("n", 2'000'000);
     const struct {
         const char* what;
         std::string document;
         int code;
     } rows[] = {
-        {"element", "<" + name + "></" + name + ">", 0},
+        {"element", "<" + huge + " " + huge + "='1'></" + huge + ">", 0},
         {"mismatch", "<" + name + "></" + name + "x>", 6150},
         {"prefix", "<" + name + ":a/>", 6151},
         {"attribute", "<a " + name + "='1'/>", 0},
-        {"entity", "<a>&" + name + ";</a>", 6174},
+        {"entity", "<a>&" + huge + ";</a>", 6174},
         {"target", "<?" + name + " x?><a/>", 0},
         {"keyword", "<!" + name + "><a/>", 6186},
         {"document type", "<!DOCTYPE " + name + "><a/>", 0},

@@ -214,7 +214,7 @@ TEST(RyNodeLookup, NamespacesOfPrefixesAndBack) {
         {"declared", r, "urn:q", "q"},
         {"hidden below", a, "urn:q", ""},
         {"own", a, "urn:p", "p"},
-        {"first declared", b, "urn:p", "p2"},
+        {"own of an ancestor", b, "urn:p", "p"},
         {"default has none", r, "urn:d", ""},
         {"none", r, "", ""},
         {"text", b->getFirstChild(), "urn:q2", "q"},

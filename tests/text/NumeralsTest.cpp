@@ -1,0 +1,141 @@
+// CJK, Hebrew, Greek and Arabic numerals.
+#include <limits>
+
+#include <gtest/gtest.h>
+#include "tests/text/NumberTestSupport.h"
+
+namespace RynCommon {
+namespace {
+
+constexpr int INT_LAST = std::numeric_limits<int>::max();
+
+TEST(Numerals, CjkDigitsStandByPosition) {
+    EXPECT_EQ(format(2024, u"一"), "二〇二四");
+    EXPECT_EQ(format(0, u"一"), "〇");
+    EXPECT_EQ(format(INT_LAST, u"一"), "二一四七四八三六四七");
+    EXPECT_EQ(format(1234567890, u"(일)"), "(일이삼사오육칠팔구영)");
+    EXPECT_EQ(format(0, u"일"), "영");
+}
+
+TEST(Numerals, TheSexagenaryCyclePairsStemAndBranch) {
+    const UnicodeString stems(u"甲乙丙丁戊己庚辛壬癸");
+    const UnicodeString branches(u"子丑寅卯辰巳午未申酉\u620D亥");
+    for (int n = 1; n <= 60; ++n)
+        EXPECT_EQ(RyUtil::formatNumber(n, u"甲子", RyLang()),
+                  UnicodeString(stems[(n - 1) % 10]) + branches[(n - 1) % 12]);
+    EXPECT_EQ(format(1, u"甲子"), "甲子");
+    EXPECT_EQ(format(60, u"甲子"), "癸亥");
+    EXPECT_EQ(format(61, u"甲子"), "61");
+}
+
+TEST(Numerals, Hebrew) {
+    const struct {
+        int n;
+        const char* expected;
+    } rows[] = {
+        {0, "אפס"},
+        {1, "א"},
+        {9, "ט"},
+        {10, "י"},
+        {11, "יא"},
+        {14, "יד"},
+        {15, "טו"},
+        {16, "טז"},
+        {17, "יז"},
+        {20, "כ"},
+        {80, "פ"},
+        {90, "צ"},
+        {99, "צט"},
+        {100, "ק"},
+        {115, "קטו"},
+        {216, "רטז"},
+        {304, "שד"},
+        {400, "ת"},
+        {500, "תק"},
+        {800, "תת"},
+        {900, "תתק"},
+        {999, "תתקצט"},
+        {1000, "אלף"},
+        {1001, "אא"},
+        {2000, "אלפיים"},
+        {2024, "בכד"},
+        {3000, "ג אלפים"},
+        {5784, "התשפד"},
+        {15000, "טו אלפים"},
+        {15016, "טוטז"},
+        {613000, "תריג אלפים"},
+        {999999, "תתקצטתתקצט"},
+        {1000000, "מיליון"},
+        {1000015, "מיליון טו"},
+        {1002000, "מיליון אלפיים"},
+        {2002000, "ב מיליון אלפיים"},
+        {16000001, "טז מיליון א"},
+        {2000000000, "אלפיים מיליון"},
+        {INT_LAST, "בקמז מיליון תפגתרמז"},
+    };
+    for (const auto& row : rows) EXPECT_EQ(format(row.n, u"א"), row.expected) << row.n;
+    EXPECT_EQ(format(15, u"א"), format(15, u"א", u"he", RN_traditional));
+}
+
+TEST(Numerals, HebrewLettersAddUpToTheNumber) {
+    const UnicodeString letters(u"אבגדהוזחטיכלמנסעפצקרשת");
+    const auto valueOf = [&](char16_t letter) {
+        const int index = letters.indexOf(letter);
+        return index < 9 ? index + 1 : index < 18 ? (index - 8) * 10 : (index - 17) * 100;
+    };
+    for (int n = 1; n < 1000; ++n) {
+        const UnicodeString text = RyUtil::formatNumber(n, u"א", RyLang());
+        int sum = 0;
+        for (int i = 0; i < text.length(); ++i) {
+            sum += valueOf(text[i]);
+            if (i > 0) {
+                EXPECT_LE(valueOf(text[i]), valueOf(text[i - 1])) << n;
+            }
+        }
+        EXPECT_EQ(sum, n);
+        EXPECT_EQ(text.indexOf(u"יה"), -1) << n;
+        EXPECT_EQ(text.indexOf(u"יו"), -1) << n;
+    }
+}
+
+TEST(Numerals, TheLetterValueDecidesBetweenAlphabetAndNumerals) {
+    const struct {
+        int n;
+        const char16_t* token;
+        RyNameEnum letterValue;
+        const char* expected;
+    } rows[] = {
+        {6, u"α", RN_alphabetic, "ζ"},
+        {6, u"α", RN_EMPTY, "ζ"},
+        {6, u"α", RN_traditional, "ϛ"},
+        {10, u"α", RN_traditional, "ι"},
+        {99, u"α", RN_traditional, "ϟθ"},
+        {999, u"α", RN_traditional, "ϡϟθ"},
+        {1821, u"α", RN_traditional, "͵αωκα"},
+        {2000, u"α", RN_traditional, "͵β"},
+        {9999, u"Α", RN_traditional, "͵ΘϠϞΘ"},
+        {10000, u"Α", RN_traditional, "10000"},
+        {12, u"(α\u0374)", RN_traditional, "(ιβ\u0374)"},
+        {12, u"α\u02B9", RN_traditional, "ιβ\u02B9"},
+        {12, u"α\u0374", RN_alphabetic, "μ"},
+        {15, u"א", RN_alphabetic, "ס"},
+        {23, u"א", RN_alphabetic, "אא"},
+        {15, u"א", RN_auto, "טו"},
+        {10, u"أ", RN_EMPTY, "ر"},
+        {10, u"ا", RN_alphabetic, "ر"},
+        {3, u"ب", RN_EMPTY, "ت"},
+        {10, u"أ", RN_traditional, "ي"},
+        {1446, u"ا", RN_traditional, "غتمو"},
+        {1999, u"ا", RN_traditional, "غظصط"},
+        {2000, u"ا", RN_traditional, "2000"},
+        {4, u"i", RN_alphabetic, "iv"},
+        {4, u"a", RN_traditional, "d"},
+        {7, u"а", RN_traditional, "ж"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(format(row.n, row.token, u"", row.letterValue), row.expected)
+            << row.n << narrow(row.token) << row.letterValue;
+}
+
+}  // namespace
+}  // namespace RynCommon

@@ -1,0 +1,158 @@
+// Colours from texts.
+#include <RynCommon/RyColor.h>
+#include <RynCommon/RyNameTable.h>
+#include <gtest/gtest.h>
+
+#include "tests/values/ValueTestSupport.h"
+
+namespace RynCommon {
+namespace {
+
+constexpr const char* UNKNOWN = "?";
+
+/// Kind, unit and text; "?" for an unknown string that holds the whole text.
+std::string parse(const UnicodeString& text, bool full) {
+    const RyValue value = RyValue::parseColor(text, full);
+    if (value.isUnknownString()) return value.getStringValue() == text ? UNKNOWN : "lost text";
+    return describe(value);
+}
+
+TEST(ColorParse, BothSyntaxes) {
+    const struct {
+        const char16_t* text;
+        const char* expected;
+    } rows[] = {
+        {u"#abc", "1/24 #AABBCC"},
+        {u" #AABBCC ", "1/24 #AABBCC"},
+        {u"#ffffffff", "1/24 #FFFFFF"},
+        {u"#fe000000", "1/24 #000000"},
+        {u"#a", "1/24 #0000AA"},
+        {u"red", "3/23 red"},
+        {u"not-a-color", "3/23 not-a-color"},
+        {u"-12.5pt", "2/9 -12.5pt"},
+        {u"12foo", UNKNOWN},
+        {u"", UNKNOWN},
+        {u"'red'", UNKNOWN},
+        {u"red blue", UNKNOWN},
+        {u"#abc def", UNKNOWN},
+        {u"rgb(100%,0,50%)", "1/24 #FF0080"},
+        {u"rgb( 1 , +2 ,-3 ) ", "1/24 #010200"},
+        {u"rgb(300,1.5,2.4)", "1/24 #FF0202"},
+        {u"rgb(99999999999,0,0)", "1/24 #FF0000"},
+        {u"rgb(1000%,-5%,0.1%)", "1/24 #FF0000"},
+        {u"rgb(1,2)", UNKNOWN},
+        {u"rgb(1,2,3,4)", UNKNOWN},
+        {u"rgb(1 2 3)", UNKNOWN},
+        {u"rgb(1,2,3", UNKNOWN},
+        {u"rgb(1pt,2,3)", UNKNOWN},
+        {u"rgb(1,(,3)", UNKNOWN},
+        {u"rgb(a,2,3)", UNKNOWN},
+        {u"rgb(1e2,2,3)", UNKNOWN},
+        {u"rgb (1,2,3)", UNKNOWN},
+        {u"rgb()", UNKNOWN},
+        {u"hsl(1,2,3)", UNKNOWN},
+        {u"rgb-icc(255,0,50%,#CMYK,0,1,1,0)", "7/24 rgb-icc(255,0,128,#CMYK,0,1,1,0)"},
+        {u"rgb-icc( 255 , 0 , 0 , #Grayscale , 50% )", "7/24 rgb-icc(255,0,0,#GRAYSCALE,0.5)"},
+        {u"rgb-icc(#CMYK,0,1,1,0)", "7/24 rgb-icc(#CMYK,0,1,1,0)"},
+        {u"rgb-icc(#GRAYSCALE,2)", "7/24 rgb-icc(#GRAYSCALE,1)"},
+        {u"rgb-icc(#RGB,1,0.5,0)", "1/24 #FF8000"},
+        {u"rgb-icc(1,2,3,#REGISTRATION)", "7/24 rgb-icc(1,2,3,All)"},
+        {u"rgb-icc(1,2,3,#SpotColor,'a b',.5,#CMYK,0,0,0,1)",
+         "7/24 rgb-icc(1,2,3,\"a b\",0.5,0,0,0,1)"},
+        {u"rgb-icc(1,2,3,Spot,1e-2)", "7/24 rgb-icc(1,2,3,Spot,0.01)"},
+        {u"rgb-icc(1,2,3,p,1,0)", "7/24 rgb-icc(1,2,3,p,1,0,0,0)"},
+        {u"rgb-icc(1,2,3,#p,1,0,0)", "7/24 rgb-icc(1,2,3,\"#p\",1,0,0,0)"},
+        {u"rgb-icc(1,2,3,\"#CMYK\",1,0,0,0)", "7/24 rgb-icc(1,2,3,\"#CMYK\",1,0,0,0)"},
+        {u"rgb-icc(Spot,1)", UNKNOWN},
+        {u"rgb-icc(1,2,3)", UNKNOWN},
+        {u"rgb-icc(1,2,3,)", UNKNOWN},
+        {u"rgb-icc(1,2,3,Spot,)", UNKNOWN},
+        {u"rgb-icc(1,2,3,Spot,1", UNKNOWN},
+        {u"rgb-icc(1,2,3,Spot,1) x", UNKNOWN},
+        {u"rgb-icc(1,2,3,Spot,1pt)", UNKNOWN},
+        {u"rgb-icc(1,2,3,Spot,a)", UNKNOWN},
+        {u"rgb-icc(1,2,3,12,1)", UNKNOWN},
+        {u"rgb-icc(1,2,3,#CMYK,1,0,0)", UNKNOWN},
+        {u"rgb-icc(1,2,3,#CMYK,1,0,0,0,0)", UNKNOWN},
+        {u"rgb-icc(1,2,3,#CMYK,#CMYK,1,0,0,0)", UNKNOWN},
+        {u"rgb-icc(1,2,3,Spot,1,0,#CMYK,0,0,0,0)", UNKNOWN},
+        {u"rgb-icc(1,2,3,Spot,#CMYK,#CMYK,0,0,0,0)", UNKNOWN},
+        {u"rgb-icc(1,2,3,#GRAYSCALE,1,0)", UNKNOWN},
+        {u"rgb-icc(1,2,3,#SEPARATION,1)", UNKNOWN},
+        {u"rgb-icc(1,2,3,#SEPARATION,S,1,0)", UNKNOWN},
+        {u"rgb-icc(1,2,3,p,0,0,0,0,0,0,0)", UNKNOWN},
+    };
+    for (const auto& row : rows)
+        for (const bool full : {false, true})
+            EXPECT_EQ(parse(row.text, full), row.expected) << narrow(row.text) << " " << full;
+}
+
+TEST(ColorParse, FullSyntax) {
+    const struct {
+        const char16_t* text;
+        const char* expected;
+    } rows[] = {
+        {u"icc-color(#CMYK,0,1,1,0)", "7/24 rgb-icc(#CMYK,0,1,1,0)"},
+        {u"icc-color(Spot)", "7/24 rgb-icc(0,0,0,Spot)"},
+        {u"icc-color(Spot,0.5)", "7/24 rgb-icc(128,128,128,Spot,0.5)"},
+        {u"icc-color(p,1,0.5,0)", "7/24 rgb-icc(255,128,0,p,1,0.5,0,0)"},
+        {u"icc-color(p,0,0,0,1)", "7/24 rgb-icc(0,0,0,p,0,0,0,1)"},
+        {u"red icc-color(#CMYK,0,1,1,0)", "7/24 rgb-icc(255,0,0,#CMYK,0,1,1,0)"},
+        {u"RED icc-color( 'a,b' , 0.5)", "7/24 rgb-icc(255,0,0,\"a,b\",0.5)"},
+        {u"#f00 icc-color(p,0,0,0,1)", "7/24 rgb-icc(255,0,0,p,0,0,0,1)"},
+        {u"#808080 icc-color(Spot,0.5)", "7/24 rgb-icc(128,128,128,Spot,0.5)"},
+        {u"rgb(100%,0,0)icc-color(#GRAYSCALE,0)", "7/24 rgb-icc(255,0,0,#GRAYSCALE,0)"},
+        {u"transparent icc-color(#GRAYSCALE,0)", "7/24 transparent icc-color(#GRAYSCALE,0)"},
+        {u"currentcolor icc-color(Spot,1)", "7/24 currentColor icc-color(Spot,1)"},
+        {u"nocolor icc-color(#GRAYSCALE,0)", UNKNOWN},
+        {u"12 icc-color(#GRAYSCALE,0)", UNKNOWN},
+        {u"red icc-color (#GRAYSCALE,0)", UNKNOWN},
+        {u"red rgb-icc(#GRAYSCALE,0)", UNKNOWN},
+        {u"red icc-color(#GRAYSCALE,0) x", UNKNOWN},
+        {u"red x", UNKNOWN},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(parse(row.text, true), row.expected) << narrow(row.text);
+        EXPECT_EQ(parse(row.text, false), UNKNOWN) << narrow(row.text);
+    }
+}
+
+TEST(ColorParse, SeparationFlagsTellWhatWasGiven) {
+    const struct {
+        const char16_t* text;
+        bool rgb;
+        bool tint;
+        bool cmyk;
+    } rows[] = {
+        {u"icc-color(S)", false, false, false},
+        {u"icc-color(S,1)", false, true, false},
+        {u"icc-color(S,1,0,0,0,1)", false, true, true},
+        {u"rgb-icc(#SEPARATION,S,#CMYK,0,0,0,1)", false, false, true},
+        {u"red icc-color(S,1,0,0,0,1)", true, true, true},
+        {u"rgb-icc(255,0,0,S)", true, false, false},
+        {u"#808080 icc-color(S,0.5)", false, true, false},
+        {u"rgb(128,128,128) icc-color(S,0.5)", true, true, false},
+    };
+    for (const auto& row : rows) {
+        const RyColor color = RyValue::parseColor(row.text, true).getColorValue();
+        EXPECT_EQ(color.hasSeparationRGB(), row.rgb) << narrow(row.text);
+        EXPECT_EQ(color.hasSeparationTint(), row.tint) << narrow(row.text);
+        EXPECT_EQ(color.hasSeparationCMYK(), row.cmyk) << narrow(row.text);
+    }
+}
+
+TEST(ColorParse, HostileTexts) {
+    RyNameTable* const table = RyNameTable::getSharedNameTable();
+    const int last = table->getNameLast();
+    for (const char16_t* part :
+         {u"rgb(", u"unheard ", u"#", u"rgb-icc(1,2,3,p", u",0", u"(", u"9", u"'"}) {
+        UnicodeString text(u"rgb-icc(1,2,3,unheard-of,0");
+        for (int i = 0; i < 100'000; ++i) text.append(part);
+        EXPECT_EQ(parse(text, true), UNKNOWN);
+        EXPECT_NE(parse(text.tempSubString(26), false), "lost text") << narrow(part);
+    }
+    EXPECT_EQ(table->getNameLast(), last);
+}
+
+}  // namespace
+}  // namespace RynCommon

@@ -1,0 +1,318 @@
+// The tokenizer: tokens, values, pushing back, separated items and hostile texts.
+#include <RynCommon/RyNameTable.h>
+#include <RynCommon/RyTokenizer.h>
+#include <gtest/gtest.h>
+
+#include "tests/values/ValueTestSupport.h"
+
+namespace RynCommon {
+namespace {
+
+using Reading = RyValue (RyTokenizer::*)();
+
+UnicodeString wide(const char* text) {
+    return UnicodeString::fromUTF8(text);
+}
+
+/// Kind, number and text of the current token.
+std::string describeToken(const RyTokenizer& tokenizer) {
+    const int kind = tokenizer.getToken();
+    std::string text = narrow(tokenizer.getText());
+    switch (kind) {
+        case RYTOKEN_NUMBER:
+            return narrow(RyValue(tokenizer.getNumber()).toString()) + "(" + text + ")";
+        case RYTOKEN_NAME:
+            return text;
+        case RYTOKEN_STRING:
+            return "'" + text + "'";
+        case RYTOKEN_COLOR:
+            return "#" + std::to_string(static_cast<int>(tokenizer.getNumber()));
+        default:
+            return "<" + std::to_string(kind) + ">";
+    }
+}
+
+std::string readTokens(const UnicodeString& text) {
+    std::string result;
+    RyTokenizer tokenizer(text);
+    while (tokenizer.nextToken() != RYTOKEN_END) result += " " + describeToken(tokenizer);
+    return result;
+}
+
+std::string readValues(const UnicodeString& text, Reading reading) {
+    std::string result;
+    RyTokenizer tokenizer(text);
+    for (RyValue value = (tokenizer.*reading)(); !value.isNull(); value = (tokenizer.*reading)())
+        result += (result.empty() ? "" : " | ") + describe(value);
+    return result;
+}
+
+TEST(RyTokenizer, Tokens) {
+    const struct {
+        UnicodeString text;
+        const char* expected;
+    } rows[] = {
+        {u"", ""},
+        {u" \t\r\n", ""},
+        {u"12.5pt 50% 7", " 12.5(pt) 50(%) 7()"},
+        {u"12foo-1.x bar", " 12(foo-1.x) bar"},
+        {u"5. .5 .", " 5(.) 0.5() <46>"},
+        {u"12%%a", " 12(%) <37> a"},
+        {u"-a _b a.b-c:d", " <45> a _b a.b-c <58> d"},
+        {u"\u00e9t\u00e9 \u00d7 \u037e a\u00b7\u0301", " été <215> <894> a·\u0301"},
+        {u"\U00010000a \U000EFFFF \U000F0000", " \U00010000a \U000EFFFF <983040>"},
+        {UnicodeString(u"a\0b", 3), " a <0> b"},
+        {UnicodeString(u"\xD800 \xDC00", 3), " <55296> <56320>"},
+        {u"'a \"b\"' \"c'\" ''", " 'a \"b\"' 'c'' ''"},
+        {u"\"C:\\dir \\000022\"", " 'C:\\dir \"'"},
+        {u"'a \"b", " <39> a <34> b"},
+        {u"#abc #aabbcc #a #ab #abcd", " #11189196 #11189196 #170 #43707 #43981"},
+        {u"#123456789 #0000000000000ff", " #4548489 #255"},
+        {u"#g # #abz", " <35> g <35> #43707 z"},
+        {u"rgb(1,2)", " rgb <40> 1() <44> 2() <41>"},
+    };
+    for (const auto& row : rows) EXPECT_EQ(readTokens(row.text), row.expected) << narrow(row.text);
+}
+
+TEST(RyTokenizer, Values) {
+    const struct {
+        Reading reading;
+        UnicodeString text;
+        const char* expected;
+    } rows[] = {
+        {&RyTokenizer::nextTokenValue, u"12.5pt 12PT 12Pt", "2/9 12.5pt | 2/9 12pt | 2/9 12pt"},
+        {&RyTokenizer::nextTokenValue, u"12foo 3", "1/1 12 | 3/23 foo | 1/1 3"},
+        {&RyTokenizer::nextTokenValue, u"12Hz 1kHz", "1/1 12 | 3/23 Hz | 1/1 1 | 3/23 kHz"},
+        {&RyTokenizer::nextTokenValue, u"1p\u212A 2\u212AHz",
+         "1/1 1 | 3/23 p\u212A | 1/1 2 | 3/23 \u212AHz"},
+        {&RyTokenizer::nextTokenValue, u"1em 2ex 3px 4cm 5mm 6in 7pt 8pc 9jpt 1q",
+         "2/3 1em | 2/4 2ex | 2/5 3px | 2/6 4cm | 2/7 5mm | 2/8 6in | 2/9 7pt | 2/10 8pc | "
+         "2/11 9jpt | 2/12 1q"},
+        {&RyTokenizer::nextTokenValue, u"1deg 2RAD 3grad 4ms 5s 6dpi 7twip 8%",
+         "2/13 1deg | 2/14 2rad | 2/15 3grad | 2/16 4ms | 2/17 5s | 2/28 6dpi | 2/29 7twip | "
+         "2/2 8%"},
+        {&RyTokenizer::nextTokenValue, u"1.1.1", "2/1 1.1 | 2/1 0.1"},
+        {&RyTokenizer::nextTokenValue, u"1.0 2147483647 2147483648 1.5",
+         "1/1 1 | 1/1 2147483647 | 2/1 2.14748e+09 | 2/1 1.5"},
+        {&RyTokenizer::nextTokenValue, u"#abc 'x' y ( -3",
+         "1/24 #AABBCC | 4/21 x | 3/23 y | 1/20 ( | 1/20 - | 1/1 3"},
+        {&RyTokenizer::nextTokenValueSigned, u"-3 +4pt - 3 -.5% --1 -a",
+         "1/1 -3 | 2/9 4pt | 1/20 - | 1/1 3 | 2/2 -0.5% | 1/20 - | 1/1 -1 | 1/20 - | 3/23 a"},
+        {&RyTokenizer::nextTokenValueSigned, u"-2147483648 -0 -0.0pt 1e3",
+         "2/1 -2.14748e+09 | 1/1 0 | 2/9 0pt | 1/1 1 | 3/23 e3"},
+        {&RyTokenizer::nextTokenValueExp, u"1e3 1e 1E-2 1e+1",
+         "2/1 1000 | 1/1 1 | 3/23 e | 2/1 0.01 | 2/1 10"},
+        {&RyTokenizer::nextTokenValueExp, u"1e2% 1e2pt -2e1em 1em 1ex",
+         "2/2 100% | 2/9 100pt | 2/3 -20em | 2/3 1em | 2/4 1ex"},
+        {&RyTokenizer::nextTokenValueExp, u"1e 3 1 e3 1e- 5%e2 1e2e3",
+         "1/1 1 | 3/23 e | 1/1 3 | 1/1 1 | 3/23 e3 | 1/1 1 | 3/23 e- | 2/2 5% | 3/23 e2 | "
+         "2/1 100 | 3/23 e3"},
+        {&RyTokenizer::nextTokenValueExp, u"1e999 0e999 1e-999", "2/1 inf | 2/1 0 | 2/1 0"},
+        {&RyTokenizer::nextTokenValueFunc, u"url( \"a b\" ) url(x/y?z) url()",
+         "4/22 a b | 4/22 x/y?z | 4/22 "},
+        {&RyTokenizer::nextTokenValueFunc, u"foo(1, 2) bar", "4/0 foo(1, 2) | 3/23 bar"},
+        {&RyTokenizer::nextTokenValueFunc, u"(a (b) c) 1", "4/0 (a (b) c) | 1/1 1"},
+        {&RyTokenizer::nextTokenValueFunc, u"f(g(url(x) rgb(1,2,3)) ')') 2",
+         "4/0 f(g(url(x) rgb(1,2,3)) ')') | 1/1 2"},
+        {&RyTokenizer::nextTokenValueFunc, u"rgb(1,2,3) rgb(1,2) 1e1",
+         "1/24 #010203 | 4/0 rgb(1,2) | 2/1 10"},
+        {&RyTokenizer::nextTokenValueFunc, u"foo (1) x", "3/23 foo | 4/0 (1) | 3/23 x"},
+        {&RyTokenizer::nextTokenValueFunc, u"1 url(a b", "1/1 1 | 4/0 url(a b"},
+        {&RyTokenizer::nextTokenValueFunc, u"rgb(1,2,3", "4/0 rgb(1,2,3"},
+        {&RyTokenizer::nextTokenValueFunc, u") a", "1/20 ) | 3/23 a"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(readValues(row.text, row.reading), row.expected) << narrow(row.text);
+}
+
+TEST(RyTokenizer, DoublesKeepTheirPrecision) {
+    RyTokenizer tokenizer(u"16777217 -1.5e3 12pt 0.1e1% x ( 1");
+    EXPECT_EQ(tokenizer.nextTokenDoubleExp(), 16777217);
+    EXPECT_EQ(tokenizer.nextTokenDoubleExp(), -1500);
+    EXPECT_EQ(tokenizer.nextTokenDoubleExp(), 12);
+    EXPECT_EQ(tokenizer.nextTokenDoubleExp(), 1);
+    EXPECT_NE(tokenizer.nextTokenDoubleExp(), tokenizer.nextTokenDoubleExp());
+    EXPECT_EQ(tokenizer.nextTokenDoubleExp(), 1);
+}
+
+// Each row reads once, pushes back, reads in another way, and then reads the rest.
+TEST(RyTokenizer, PushBack) {
+    const struct {
+        UnicodeString text;
+        Reading first;
+        Reading second;
+        const char* expected;
+    } rows[] = {
+        {u"12foo x", &RyTokenizer::nextTokenValue, &RyTokenizer::nextTokenValue,
+         "1/1 12 | 3/23 foo"},
+        {u"12pt x", &RyTokenizer::nextTokenValue, &RyTokenizer::nextTokenValueExp,
+         "2/9 12pt | 3/23 x"},
+        {u"-3 x", &RyTokenizer::nextTokenValueSigned, &RyTokenizer::nextTokenValue,
+         "1/1 -3 | 3/23 x"},
+        {u"-3 x", &RyTokenizer::nextTokenValue, &RyTokenizer::nextTokenValueSigned,
+         "1/1 -3 | 3/23 x"},
+        {u"-3 x", &RyTokenizer::nextTokenValue, &RyTokenizer::nextTokenValue, "1/20 - | 1/1 3"},
+        {u"1e3 x", &RyTokenizer::nextTokenValueExp, &RyTokenizer::nextTokenValue,
+         "2/1 1000 | 3/23 x"},
+        {u"1e3e4 x", &RyTokenizer::nextTokenValueExp, &RyTokenizer::nextTokenValueExp,
+         "2/1 1000 | 3/23 e4"},
+        {u"1e3 x", &RyTokenizer::nextTokenValue, &RyTokenizer::nextTokenValueExp,
+         "2/1 1000 | 3/23 x"},
+        {u"f(1) x", &RyTokenizer::nextTokenValueFunc, &RyTokenizer::nextTokenValueFunc,
+         "4/0 f(1) | 3/23 x"},
+        {u"f(1) x", &RyTokenizer::nextTokenValueFunc, &RyTokenizer::nextTokenValue,
+         "3/23 f | 1/20 ("},
+        {u"f(1) x", &RyTokenizer::nextTokenValue, &RyTokenizer::nextTokenValueFunc,
+         "4/0 f(1) | 3/23 x"},
+        {u"'a' x", &RyTokenizer::nextTokenValue, &RyTokenizer::nextTokenValueSigned,
+         "4/21 a | 3/23 x"},
+        {u"", &RyTokenizer::nextTokenValue, &RyTokenizer::nextTokenValueFunc, "0/0  | 0/0 "},
+    };
+    for (const auto& row : rows) {
+        RyTokenizer tokenizer(row.text);
+        tokenizer.pushBack();
+        (tokenizer.*row.first)();
+        tokenizer.pushBack();
+        const RyValue second = (tokenizer.*row.second)();
+        EXPECT_EQ(describe(second) + " | " + describe(tokenizer.nextTokenValue()), row.expected)
+            << narrow(row.text);
+    }
+}
+
+TEST(RyTokenizer, PushedBackTokenKeepsItsSuffixUntilItIsRead) {
+    RyTokenizer tokenizer(u"12foo bar");
+    EXPECT_EQ(tokenizer.nextToken(), RYTOKEN_NUMBER);
+    EXPECT_EQ(narrow(tokenizer.getText()), "foo");
+    tokenizer.pushBack();
+    EXPECT_FALSE(tokenizer.scanSeparator(L' '));
+    EXPECT_FALSE(tokenizer.skipSeparator(L'b'));
+    EXPECT_EQ(describe(tokenizer.nextTokenValue()), "1/1 12");
+    EXPECT_EQ(narrow(tokenizer.getText()), "");
+    EXPECT_EQ(describe(tokenizer.nextTokenValue()), "3/23 foo");
+}
+
+std::string readItems(const UnicodeString& text, wchar_t separator) {
+    std::string result;
+    RyTokenizer tokenizer(text);
+    for (;;) {
+        const UnicodeString item = tokenizer.nextSeparatedValue(separator);
+        if (tokenizer.getToken() == RYTOKEN_END) break;
+        result += "<" + narrow(item) + ">";
+        const bool isAhead = tokenizer.scanSeparator(separator);
+        const bool isSkipped = tokenizer.skipSeparator(separator);
+        EXPECT_EQ(isAhead, isSkipped);
+        result += isSkipped ? "," : "";
+    }
+    return result;
+}
+
+TEST(RyTokenizer, SeparatedValues) {
+    const struct {
+        UnicodeString text;
+        wchar_t separator;
+        const char* expected;
+    } rows[] = {
+        {u"", L',', ""},
+        {u" a , b,c ", L',', "<a>,<b>,<c>"},
+        {u"a b,c", L',', "<a><b>,<c>"},
+        {u",,a", L',', "<>,<>,<a>"},
+        {u"'Times New Roman', serif", L',', "<Times New Roman>,<serif>"},
+        {u"a'b, c'd\"e f\",g", L',', "<ab, cde f>,<g>"},
+        {u"\"C:\\a\\00000A\";x", L';', "<C:\\a\n>,<x>"},
+        {u"a 'b, c ", L',', "<a><b, c >"},
+        {u"a\U0001F600b", 0x1F600, "<a>,<b>"},
+        {u"a b", L' ', "<a><b>"},
+        {UnicodeString(u"a\0b", 3), L'\0', "<a>,<b>"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(readItems(row.text, row.separator), row.expected) << narrow(row.text);
+}
+
+TEST(RyTokenizer, SeparatedValuesAndTokensShareThePosition) {
+    RyTokenizer tokenizer(u"a  , 'b c' 12pt");
+    EXPECT_EQ(describe(tokenizer.nextTokenValue()), "3/23 a");
+    EXPECT_FALSE(tokenizer.skipSeparator(L';'));
+    EXPECT_TRUE(tokenizer.scanSeparator(L','));
+    EXPECT_TRUE(tokenizer.skipSeparator(L','));
+    EXPECT_EQ(narrow(tokenizer.nextSeparatedValue(L',')), "b c");
+    tokenizer.pushBack();
+    EXPECT_EQ(narrow(tokenizer.nextSeparatedValue(L',')), "b c");
+    tokenizer.pushBack();
+    EXPECT_EQ(describe(tokenizer.nextTokenValue()), "4/21 b c");
+    EXPECT_EQ(narrow(UnicodeString(tokenizer.getPtr())), "12pt");
+}
+
+TEST(RyTokenizer, CopyIsIndependent) {
+    RyTokenizer copy(u"");
+    {
+        const UnicodeString text(
+            u"a text that is too long to lie inside of the string object: one two");
+        RyTokenizer tokenizer(text);
+        tokenizer.nextToken();
+        tokenizer.pushBack();
+        copy = tokenizer;
+        while (tokenizer.nextToken() != RYTOKEN_END) {
+        }
+    }
+    EXPECT_EQ(describe(copy.nextTokenValue()), "3/23 a");
+    EXPECT_EQ(narrow(UnicodeString(copy.getPtr())).substr(0, 5), " text");
+    const RyTokenizer other(copy);
+    EXPECT_EQ(other.getToken(), RYTOKEN_NAME);
+}
+
+UnicodeString repeat(const UnicodeString& part, int count) {
+    UnicodeString text;
+    for (int i = 0; i < count; ++i) text.append(part);
+    return text;
+}
+
+// With a quadratic reader each of these would take hours.
+TEST(RyTokenizer, HostileTextsTakeLinearTime) {
+    constexpr int COUNT = 100'000;
+    const struct {
+        const char* part;
+        int functions;  // number of values that nextTokenValueFunc gives, in hundredths of COUNT
+    } rows[] = {
+        {"(", 0},    {"a(", 0},           {")", 100},      {"1.1.", 200},       {"1-", 100},
+        {"1e1", 0},  {"\"a\"", 100},      {"' ", 50},      {"#a ", 100},        {"12", 0},
+        {"-", 100},  {"a1", 0},           {"f(')')", 100}, {"\U000F0000", 100}, {".", 100},
+        {"url(", 0}, {"rgb(1,2,3)", 100},
+    };
+    for (const auto& row : rows) {
+        const UnicodeString text = repeat(wide(row.part), COUNT);
+        for (const Reading reading : {&RyTokenizer::nextTokenValue, &RyTokenizer::nextTokenValueExp,
+                                      &RyTokenizer::nextTokenValueFunc}) {
+            RyTokenizer tokenizer(text);
+            int count = 0;
+            while (!(tokenizer.*reading)().isNull()) ++count;
+            EXPECT_GT(count, 0) << row.part;
+            EXPECT_EQ(*tokenizer.getPtr(), 0) << row.part;
+            if (reading != &RyTokenizer::nextTokenValueFunc) continue;
+            EXPECT_NEAR(count, row.functions * (COUNT / 100), 2) << row.part;
+        }
+    }
+}
+
+TEST(RyTokenizer, DeepNestingIsOneValue) {
+    const UnicodeString text = repeat(u"f(", 100'000) + repeat(u")", 100'000);
+    RyTokenizer tokenizer(text + u" 12");
+    const RyValue value = tokenizer.nextTokenValueFunc();
+    EXPECT_TRUE(value.isUnknownString());
+    EXPECT_EQ(value.getStringValue(), text);
+    EXPECT_EQ(describe(tokenizer.nextTokenValueFunc()), "1/1 12");
+}
+
+TEST(RyTokenizer, FunctionsAndSuffixesInternNothing) {
+    RyNameTable* const table = RyNameTable::getSharedNameTable();
+    const int last = table->getNameLast();
+    for (const char16_t* text :
+         {u"unheard-of(1, unheard-of)", u"12", u"url(unheard-of)", u"(unheard-of)", u"#abc"})
+        RyTokenizer(text).nextTokenValueFunc();
+    RyTokenizer tokenizer(u"12unheard-of");
+    EXPECT_EQ(describe(tokenizer.nextTokenValue()), "1/1 12");
+    EXPECT_EQ(tokenizer.nextToken(), RYTOKEN_NAME);
+    EXPECT_EQ(table->getNameLast(), last);
+}
+
+}  // namespace
+}  // namespace RynCommon
