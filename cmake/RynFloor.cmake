@@ -11,6 +11,8 @@ function(ryn_set_build_rules target)
     # Public headers are included as <RynCommon/RyName.h>, internal ones from the root as "core/NameTable.h".
     target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
     target_compile_definitions(${target} PRIVATE RYNCOMMON_BUILDING)
+    # Tables made at compile time take more steps than Clang allows by default.
+    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:Clang>:-fconstexpr-steps=50000000>)
     if(NOT BUILD_SHARED_LIBS)
         target_compile_definitions(${target} PUBLIC RYNCOMMON_STATIC)
     endif()

@@ -11,7 +11,7 @@ invoked_from=$PWD
 cd "$ROOT"
 configure_preset release -DRYNCOMMON_TESTS=OFF -DRYNCOMMON_EXAMPLES=ON
 say "== release: build"
-cmake --build --preset release --target ryn-inspect ryn-generate >&2
+cmake --build --preset release --target ryn-inspect ryn-generate ryn-values >&2
 examples=$ROOT/build/release/examples
 
 if (($#)); then
@@ -34,4 +34,6 @@ for file in *.fo *.svg *.xml; do
         *) samples+=("$file") ;;
     esac
 done
-exec "$examples/ryn-inspect" "${samples[@]}" "$large"
+"$examples/ryn-inspect" "${samples[@]}" "$large"
+say "== attribute values of paper-sizes.fo as property values"
+grep -o '="[^"]*"' paper-sizes.fo | sed 's/^="//; s/"$//' | sort -u | "$examples/ryn-values"

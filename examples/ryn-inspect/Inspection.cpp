@@ -102,6 +102,11 @@ private:
         const TreeFacts facts = countTree(*document_);
         print("elements", formatCount(facts.elements));
         print("attributes", formatCount(facts.attributes));
+        print("as values", formatCount(facts.lengths) + " lengths, " +
+                               formatCount(facts.percentages) + " percentages, " +
+                               formatCount(facts.otherNumbers) + " other numbers, " +
+                               formatCount(facts.colors) + " colours, " + formatCount(facts.names) +
+                               " names, " + formatCount(facts.otherTexts) + " other texts");
         print("texts",
               formatCount(facts.texts) + " (" + formatCount(facts.characters) + " characters)");
         print("depth", formatCount(facts.depth));

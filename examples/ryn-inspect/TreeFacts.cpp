@@ -10,13 +10,36 @@ using namespace RynCommon;
 
 namespace {
 
+void countValue(const RyValue& value, TreeFacts& facts) {
+    if (value.isColor())
+        ++facts.colors;
+    else if (value.isAbsoluteLength() || value.isRelativeLength())
+        ++facts.lengths;
+    else if (value.isPercentage())
+        ++facts.percentages;
+    else if (value.isNumeric())
+        ++facts.otherNumbers;
+    else if (value.isName())
+        ++facts.names;
+    else
+        ++facts.otherTexts;
+}
+
+/// A colour keyword is a name to RyValue::parse(), and a colour where one is meant.
+RyValue parseProperty(const UnicodeString& text) {
+    RyValue color = RyValue::parseColor(text, false);
+    return color.isColor() ? color : RyValue::parse(text);
+}
+
 void countNode(const RyNode& node, TreeFacts& facts) {
     if (node.getNodeType() == RyNode::ELEMENT_NODE) {
         ++facts.elements;
         const auto& element = static_cast<const RyElement&>(node);
         for (const RyAttr* attr = element.getFirstAttribute(); attr != nullptr;
-             attr = attr->getNextAttribute())
+             attr = attr->getNextAttribute()) {
             ++facts.attributes;
+            countValue(parseProperty(attr->getText()), facts);
+        }
     } else if (node.getNodeType() == RyNode::TEXT_NODE) {
         ++facts.texts;
         facts.characters +=

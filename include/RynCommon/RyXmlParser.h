@@ -21,7 +21,8 @@ struct RyXmlLimits {
 };
 
 /// A reader of one XML document (XML 1.0 with namespaces) that hands out one event after the other.
-/// Not validating: a DOCTYPE is read for its entities and attribute defaults. Used by one thread at
+/// Not validating: a DOCTYPE is read for its entities and attribute defaults (of at most 1,024
+/// attributes an element). Used by one thread at
 /// a time. What accessors return by reference is valid until the next call of next() or
 /// nextToken().
 class RYNCOMMON_API RyXmlParser : public RyRCObject {

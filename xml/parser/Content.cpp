@@ -131,7 +131,8 @@ bool XmlParserImpl::readInstruction(UnicodeString* sink) {
     }
     const Scanner::Name name = scanner_.scanQName();
     const bool isDeclaration = ParserCore::keyword(name) == RN_xml;
-    if (isDeclaration && before == START_DOCUMENT) {
+    if (isDeclaration && before == START_DOCUMENT && !declarationSeen_) {
+        declarationSeen_ = true;
         core_.event = before;
         core_.readXmlDeclaration(false);
         scanner_.base().setStepping(false);

@@ -183,16 +183,17 @@ void DoctypeReader::readMarkup() {
     }
 }
 
-/// Behind "<![": INCLUDE goes on reading, IGNORE is passed over.
+/// Behind "<![": INCLUDE goes on reading; IGNORE, and after its error any other section, is passed
+/// over.
 void DoctypeReader::readConditional() {
     skipDeclarationSpace();
     const UnicodeString name = scanner_.scanName().toString();
     skipDeclarationSpace();
     const bool include = name == str(u"INCLUDE");
-    if ((!include && name != str(u"IGNORE")) || !scanner_.accept(u'[')) {
-        core_.error(PARSE_BAD_CONDITIONAL, name);
-        return;
-    }
+    const bool known = include || name == str(u"IGNORE");
+    const bool opened = scanner_.accept(u'[');
+    if (!known || !opened) core_.error(PARSE_BAD_CONDITIONAL, name);
+    if (!opened) return;
     if (include)
         ++openIncludes_;
     else

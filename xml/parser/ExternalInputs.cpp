@@ -71,7 +71,8 @@ void ParserCore::readXmlDeclaration(bool isTextDeclaration) {
     } else if (!isTextDeclaration) {
         error(PARSE_MISSING_VERSION);
     }
-    if (name == RN_encoding) {
+    const bool hasEncoding = name == RN_encoding;
+    if (hasEncoding) {
         readPseudoAttribute(space ? UnicodeString() : UnicodeString(u"encoding="),
                             UnicodeString(u"encoding"), encoding);
         space = scanner.skipSpace();
@@ -85,7 +86,7 @@ void ParserCore::readXmlDeclaration(bool isTextDeclaration) {
         scanner.skipSpace();
     }
     endXmlDeclaration();
-    if (encoding.isEmpty()) return;
+    if (!hasEncoding) return;
     TextInput& input = scanner.topInput();
     checkDeclared(input.setDeclaredEncoding(encoding, feature(RyXmlParser::BUILTIN_ENCODINGS_ONLY),
                                             feature(RyXmlParser::RAW_UNKNOWN_ENCODING)),

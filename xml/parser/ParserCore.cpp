@@ -126,18 +126,22 @@ void appendRun(UnicodeString* sink, char16_t unit, std::int32_t count) {
 
 }  // namespace
 
-/// Up to "-->". A run of more hyphens is reported once and belongs to the text, but for the two
-/// that end the comment.
+/// Up to "-->". Two hyphens before anything else are reported and belong to the text; of a longer
+/// run the last two may still end the comment.
 void ParserCore::readCommentRest(UnicodeString* sink) {
     while (readUpTo(u'-', sink)) {
-        const std::int32_t hyphens = readRunOf(u'-');
-        if (hyphens >= 2 && scanner.accept(u'>')) {
-            if (hyphens > 2) error(PARSE_HYPHENS_IN_COMMENT);
-            appendRun(sink, u'-', hyphens - 2);
-            return;
+        scanner.skip();
+        if (!scanner.accept(u'-')) {
+            appendRun(sink, u'-', 1);
+            continue;
         }
-        if (hyphens >= 2 && scanner.peek() != Scanner::END) error(PARSE_HYPHENS_IN_COMMENT);
-        appendRun(sink, u'-', hyphens);
+        if (scanner.accept(u'>')) return;
+        if (scanner.peek() != Scanner::END) error(PARSE_HYPHENS_IN_COMMENT);
+        while (scanner.accept(u'-')) {
+            appendRun(sink, u'-', 1);
+            if (scanner.accept(u'>')) return;
+        }
+        appendRun(sink, u'-', 2);
     }
     error(PARSE_UNENDED_COMMENT);
 }

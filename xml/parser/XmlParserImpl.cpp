@@ -77,7 +77,7 @@ void XmlParserImpl::resetDocument() {
     isAliased_ = false;
     entityName_ = RyName();
     token_ = Token::NONE;
-    started_ = failed_ = rootSeen_ = doctypeSeen_ = emptyTag_ = false;
+    started_ = failed_ = declarationSeen_ = rootSeen_ = doctypeSeen_ = emptyTag_ = false;
 }
 
 void XmlParserImpl::setInput(const UnicodeString& uri, const UnicodeString& encoding,

@@ -139,6 +139,7 @@ private:
     Token token_ = Token::NONE;
     bool started_ = false;
     bool failed_ = false;
+    bool declarationSeen_ = false;
     bool rootSeen_ = false;
     bool doctypeSeen_ = false;
     bool emptyTag_ = false;

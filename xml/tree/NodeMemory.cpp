@@ -25,6 +25,7 @@ constexpr bool USE_SLABS = true;
 constexpr std::size_t SLAB_SIZE = 8192 - 16;  // with the heap's own header, two pages
 constexpr std::size_t LARGEST = 256;          // larger objects come from the heap
 constexpr std::size_t PREFIX = 8;             // keeps objects aligned
+constexpr std::size_t WIDE = 16;  // the strictest alignment that a plain new-expression relies on
 constexpr std::uint32_t HELD = 1u << 30;
 
 struct alignas(PREFIX) Slab {
@@ -75,14 +76,22 @@ constexpr bool usesSlab(std::size_t size) {
     return USE_SLABS && size <= LARGEST;
 }
 
+/// What to leave free at `next`, so that a class derived elsewhere with a member of WIDE alignment
+/// gets it: such an object has a multiple of WIDE as its size and cannot be as small as the
+/// library's own text node.
+std::size_t paddingAt(const std::byte* next, std::size_t size) {
+    if (size % WIDE != 0 || size <= 64) return 0;
+    return (WIDE - (reinterpret_cast<std::uintptr_t>(next) + PREFIX) % WIDE) % WIDE;
+}
+
 }  // namespace
 
 void* NodeMemory::allocate(std::size_t size) {
     if (!usesSlab(size)) return ::operator new(size);
     const std::size_t piece = PREFIX + ((size + PREFIX - 1) & ~(PREFIX - 1));
-    if (static_cast<std::size_t>(hand.end - hand.next) < piece) takeSlab();
-    std::byte* const start = hand.next;
-    hand.next += piece;
+    if (static_cast<std::size_t>(hand.end - hand.next) < piece + WIDE) takeSlab();
+    std::byte* const start = hand.next + paddingAt(hand.next, size);
+    hand.next = start + piece;
     ++hand.given;
     ::new (start)
         std::uint32_t(static_cast<std::uint32_t>(start - reinterpret_cast<std::byte*>(hand.slab)));

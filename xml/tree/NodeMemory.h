@@ -18,7 +18,8 @@ namespace RynCommon {
 
 class NodeMemory {
 public:
-    /// Room for an object of `size` bytes, aligned for pointers. Throws std::bad_alloc.
+    /// Room for a node, or an object of pointers, of `size` bytes, aligned as it may need. Throws
+    /// std::bad_alloc.
     static void* allocate(std::size_t size);
     /// Gives it back, from any thread. `size` is that of the allocation.
     static void release(void* object, std::size_t size) noexcept;

@@ -111,7 +111,9 @@ TEST(ConformantSerializerTest, Refusals) {
              s.attribute(NS1, Q, name(u"once"), u"");
          }},
     };
-    for (const auto& [what, call] : calls) {
+    for (const auto& row : calls) {
+        const char* const what = row.first;
+        const Script& call = row.second;
         std::ostringstream out;
         const RyPtr<RyXmlSerializer> s = makeSerializer(true);
         s->setOutput(&out, UnicodeString());
