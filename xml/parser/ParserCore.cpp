@@ -1,11 +1,7 @@
 // Errors, limits and the markup that may stand anywhere; see the header.
 #include "xml/parser/ParserCore.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "core/NameTable.h"
-#include "text/NumberText.h"
 
 #include <RynCommon/RyUtil.h>
 
@@ -86,11 +82,10 @@ void ParserCore::countExpansion(std::int32_t units) {
 }
 
 /// Raises the limit's error when no further input may be opened.
-bool ParserCore::checkNesting() {
+void ParserCore::checkNesting() {
     if (scanner.depth() > limits.nestedInputs)
         raise(PARSE_LIMIT_EXCEEDED,
               parseErrorText(PARSE_LIMIT_EXCEEDED, UnicodeString(), UnicodeString()));
-    return true;
 }
 
 RyNameEnum ParserCore::keyword(const Scanner::Name& name) {

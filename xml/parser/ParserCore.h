@@ -124,7 +124,7 @@ private:
     void endXmlDeclaration();
     bool openQuote(char16_t& quote);
     void readAttributeReference(UnicodeString& value);
-    bool checkNesting();
+    void checkNesting();
 
     WindowUser& user_;
     std::uint64_t expanded_ = 0;
