@@ -51,7 +51,9 @@ std::string worthOf(const RyValue& value) {
     if (value.isNumericalValue()) {
         RyValue canonical = value;
         canonical.normalizeUnit();
-        const std::string own = narrow(RyValue(value.getRealValue()).toString());
+        RyValue number = value;
+        number.setUnitType(RYUNIT_NUMBER);
+        const std::string own = narrow(number.toValueText());
         const bool isSame = canonical.getUnitType() == value.getUnitType();
         return isSame ? own : own + " = " + narrow(canonical.toString());
     }

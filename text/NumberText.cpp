@@ -1,8 +1,10 @@
 // Numbers as text and back, the same in every locale.
 #include "text/NumberText.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <limits>
 #include <string>
 #include <system_error>
@@ -22,7 +24,7 @@ std::size_t countDigits(std::u16string_view text) {
 }
 
 void appendAscii(UnicodeString& text, const char* begin, const char* end) {
-    std::array<char16_t, 32> wide;
+    std::array<char16_t, 64> wide;
     std::int32_t length = 0;
     for (const char* from = begin; from != end; ++from)
         wide[length++] = static_cast<char16_t>(*from);
@@ -73,6 +75,21 @@ void appendReal(UnicodeString& text, double value) {
     const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
                                       std::chars_format::general, 6);
     appendAscii(text, buffer.data(), result.ptr);
+}
+
+void appendExactReal(UnicodeString& text, float value) {
+    // The largest number has 39 digits, the smallest 45 behind the point.
+    std::array<char, 64> buffer;
+    char* end = buffer.data();
+    if (std::isinf(value)) {
+        if (value < 0) *end++ = '-';
+        *end++ = '9';
+        end = std::fill_n(end, std::numeric_limits<float>::max_exponent10, '0');
+    } else {
+        end =
+            std::to_chars(end, buffer.data() + buffer.size(), value, std::chars_format::fixed).ptr;
+    }
+    appendAscii(text, buffer.data(), end);
 }
 
 void appendHex(UnicodeString& text, std::uint32_t value, int digits) {

@@ -16,6 +16,10 @@ void appendInteger(UnicodeString& text, std::int64_t value);
 /// where the number is.
 void appendReal(UnicodeString& text, double value);
 
+/// Appends the shortest decimal text without an exponent that is read back as the number; an
+/// infinite one as digits beyond the range of float.
+void appendExactReal(UnicodeString& text, float value);
+
 /// Appends the low `digits` hexadecimal digits of `value` (at most 8), in upper case.
 void appendHex(UnicodeString& text, std::uint32_t value, int digits);
 

@@ -22,12 +22,8 @@ namespace RynCommon {
 
 namespace {
 
-/// The sRGB value in front of a profile.
-struct Fallback {
-    std::uint32_t rgb = 0;
-    /// Given in a form that says so also where it is what would be computed.
-    bool isExplicit = false;
-};
+/// The sRGB value in front of a profile, if there is one.
+using Fallback = std::optional<std::uint32_t>;
 
 /// The arguments of a profile.
 struct Arguments {
@@ -62,7 +58,7 @@ UnicodeString toText(std::u16string_view view) {
 /// A colour from the arguments of a profile. Empty when their number fits no kind.
 class ProfileBuilder {
 public:
-    ProfileBuilder(const Arguments& arguments, const std::optional<Fallback>& fallback)
+    ProfileBuilder(const Arguments& arguments, const Fallback& fallback)
         : arguments_(arguments), fallback_(fallback) {
         // What is computed must be the same when it is computed from the text form.
         if (!fallback_)
@@ -92,9 +88,7 @@ private:
         return arguments_.count == count && arguments_.markedAt < 0;
     }
     float value(std::size_t index) const { return arguments_.values[index]; }
-    RyColor base(std::uint32_t computed) const {
-        return RyColor(fallback_ ? fallback_->rgb : computed);
-    }
+    RyColor base(std::uint32_t computed) const { return RyColor(fallback_.value_or(computed)); }
     /// Marks the sRGB value as computed; `slot` holds the flags.
     RyColor finish(const RyColor& color, std::size_t slot) const {
         if (fallback_) return color;
@@ -140,8 +134,10 @@ private:
                     : grayToRgb(1 - component(0));
         RyColor color(base(computed), arguments_.name, component(0), component(1), component(2),
                       component(3), component(4));
-        const bool isGiven =
-            fallback_ && (fallback_->isExplicit || !isComputedRgb(fallback_->rgb, parts, hasCMYK));
+        // A bare name comes with an sRGB value in the text of every separation; a marker says that
+        // the value was given.
+        const bool isMarked = arguments_.marker != RN_EMPTY;
+        const bool isGiven = fallback_ && (isMarked || !isComputedRgb(*fallback_, parts, hasCMYK));
         color.adjustSeparationFlags(isGiven, hasTint, hasCMYK);
         return color;
     }
@@ -161,7 +157,7 @@ private:
     }
 
     Arguments arguments_;
-    std::optional<Fallback> fallback_;
+    Fallback fallback_;
 };
 
 class ColorReader {
@@ -172,7 +168,7 @@ public:
         TokenScanner::Token token = scanner_.nextSigned();
         switch (token.kind) {
             case RYTOKEN_COLOR:
-                return readAfterColor(static_cast<std::uint32_t>(token.number), false, value);
+                return readAfterColor(static_cast<std::uint32_t>(token.number), value);
             case RYTOKEN_NUMBER:
                 if (!scanner_.isAtEnd()) return false;
                 value = scanner_.makeValue(token);
@@ -193,18 +189,18 @@ private:
         }
         const std::uint32_t rgb = full_ ? findKeywordRgb(scanner_.view(token)) : 0;
         const bool isKeyword = full_ && !RyColor(rgb).isInvalid();
-        return isKeyword && readAfterColor(rgb, false, value);
+        return isKeyword && readAfterColor(rgb, value);
     }
 
     /// The end of the text or, in the full syntax, a profile.
-    bool readAfterColor(std::uint32_t rgb, bool isExplicit, RyValue& value) {
+    bool readAfterColor(std::uint32_t rgb, RyValue& value) {
         if (scanner_.isAtEnd()) {
             value = makeColorValue(rgb);
             return true;
         }
         if (!full_ || !isFunction(scanner_.next(), RN_icc_color)) return false;
         scanner_.skipUnit();
-        return readProfile(Fallback{rgb, isExplicit}, value);
+        return readProfile(rgb, value);
     }
 
     bool isFunction(const TokenScanner::Token& token, RyNameEnum name) const {
@@ -220,12 +216,11 @@ private:
         std::uint32_t rgb = 0;
         switch (getName(token)) {
             case RN_rgb:
-                return readTriple(rgb) && scanner_.skip(u')') && readAfterColor(rgb, true, value);
+                return readTriple(rgb) && scanner_.skip(u')') && readAfterColor(rgb, value);
             case RN_rgb_icc:
                 scanner_.skipSpace();
                 if (scanner_.isAt(u'#')) return readProfile(std::nullopt, value);
-                return readTriple(rgb) && scanner_.skip(u',') &&
-                       readProfile(Fallback{rgb, false}, value);
+                return readTriple(rgb) && scanner_.skip(u',') && readProfile(rgb, value);
             case RN_icc_color:
                 return full_ && readProfile(std::nullopt, value);
             default:
@@ -255,7 +250,7 @@ private:
         return value.isNumber() || value.isPercentage();
     }
 
-    bool readProfile(const std::optional<Fallback>& fallback, RyValue& value) {
+    bool readProfile(const Fallback& fallback, RyValue& value) {
         Arguments arguments;
         if (!readArguments(arguments) || !scanner_.isAtEnd()) return false;
         const std::optional<RyColor> color = ProfileBuilder(arguments, fallback).build();
@@ -267,10 +262,13 @@ private:
     bool readArguments(Arguments& arguments) {
         if (!readFirst(arguments)) return false;
         while (!scanner_.skip(u')')) {
-            if (!scanner_.skip(u',') || !readArgument(arguments)) return false;
+            if (!skipComma() || !readArgument(arguments)) return false;
         }
         return true;
     }
+
+    /// A comma with white space in front of it or, as SVG allows, white space alone.
+    bool skipComma() { return scanner_.skip(u',') || scanner_.isBehindSpace(); }
 
     /// A marker or a name. An unknown marker is a name, too.
     bool readFirst(Arguments& arguments) {
@@ -280,7 +278,7 @@ private:
         if (arguments.marker == RN_EMPTY) setName(arguments, toText(marker));
         if (arguments.marker != RN_hash_SEPARATION && arguments.marker != RN_hash_SPOTCOLOR)
             return true;
-        return scanner_.skip(u',') && readName(arguments);
+        return skipComma() && readName(arguments);
     }
 
     bool readName(Arguments& arguments) {

@@ -1,14 +1,12 @@
 // The text form of colours.
 //
-// A colour with a profile is written in one of two shapes, and reading must find from the text
-// alone whether its sRGB value was given or computed (the flag that equality compares):
+// A colour with a profile is written in one of two shapes, "#RRGGBB icc-color(...)" or
+// "rgb-icc(r,g,b,...)", the latter without r, g, b for CMYK and gray whose sRGB value was computed.
+// Reserved values have no components and stand in front of "icc-color(" as their keyword.
 //
-//   #RRGGBB icc-color(...)        rgb-icc(r,g,b,...)       sRGB value given
-//   icc-color(#CMYK,...)          rgb-icc(#CMYK,...)       computed; likewise #GRAYSCALE
-//
-// A separation always shows its sRGB value. It counts as computed when it is what would be
-// computed; where it was given nevertheless, "rgb(r,g,b)" in front says so. Reserved values have no
-// components and stand in front as their keyword.
+// Reading has to find from the text whether the sRGB value was given or computed (the flag that
+// equality compares). The sRGB value of a separation counts as computed when it is what would be
+// computed; where it was given nevertheless, the marker #SEPARATION in front of the name says so.
 #include "values/ColorText.h"
 
 #include "text/NumberText.h"
@@ -65,36 +63,27 @@ public:
 
 private:
     /// Whether reading would take the sRGB value of a separation for computed, which it is not.
-    bool needsRgbNotation() const {
+    bool needsMarker() const {
         return color_.hasSeparationRGB() &&
                isComputedRgb(color_, ColorParts(color_), color_.hasSeparationCMYK());
     }
-    bool showsRgb() const {
-        if (color_.isCMYK()) return color_.hasCMYKRGB();
-        return !color_.isGrayscale() || color_.hasGrayscaleRGB();
+    bool isRgbComputed() const {
+        return (color_.isCMYK() && !color_.hasCMYKRGB()) ||
+               (color_.isGrayscale() && !color_.hasGrayscaleRGB());
     }
 
-    /// All up to the profile, "(" included.
+    /// All up to the profile.
     void openQualification(bool named) {
         const bool isReserved = unsigned{color_} > 0xFFFFFF;
-        const bool hasRgbNotation = !isReserved && needsRgbNotation();
-        if (!named && !isReserved && !hasRgbNotation) {
-            text_.append(u"rgb-icc(", 8);
-            if (showsRgb()) {
-                appendTriple(text_, color_);
-                text_.append(u',');
-            }
+        if (named || isReserved) {
+            isReserved ? writePlain(true) : appendHexRgb(text_, color_);
+            text_.append(u" icc-color(", 11);
             return;
         }
-        if (hasRgbNotation) {
-            text_.append(u"rgb(", 4);
-            appendTriple(text_, color_);
-            text_.append(u") ", 2);
-        } else if (showsRgb()) {
-            isReserved ? writePlain(true) : appendHexRgb(text_, color_);
-            text_.append(u' ');
-        }
-        text_.append(u"icc-color(", 10);
+        text_.append(u"rgb-icc(", 8);
+        if (isRgbComputed()) return;
+        appendTriple(text_, color_);
+        text_.append(u',');
     }
 
     void writeProfile() {
@@ -110,6 +99,7 @@ private:
     }
 
     void writeSeparation() {
+        if (needsMarker()) text_.append(u"#SEPARATION,", 12);
         appendName(text_, color_.getSeparationColorName());
         if (color_.hasSeparationTint()) writeComponents(0, 1);
         if (!color_.hasSeparationCMYK()) return;

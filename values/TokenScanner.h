@@ -29,6 +29,13 @@ public:
     /// The same with an exponent.
     Token nextExp();
 
+    /// Reads the only token of the text as RyValue::parse takes it. False when there are others, or
+    /// when it is a character.
+    bool readSingle(Token& token) {
+        token = nextSigned();
+        return token.kind < RYTOKEN_END && isAtEnd();
+    }
+
     /// Settles the suffix of a number that was just read: its unit is found, or an unknown suffix
     /// is put back and taken off the token. Nothing happens to other tokens and to a settled
     /// number.
@@ -45,6 +52,8 @@ public:
     bool isAt(char16_t unit) const { return peek(0) == unit; }
     /// Consumes white space and then `unit`; only the white space when another unit follows.
     bool skip(char16_t unit);
+    /// Whether the unit before here is white space.
+    bool isBehindSpace() const { return at() > 0 && isSpace(text_[at() - 1]); }
     /// Consumes one unit that has been looked at.
     void skipUnit() { ++place_.position; }
     /// Consumes "#" and the name characters behind it; empty, and only white space consumed, when

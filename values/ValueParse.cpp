@@ -12,9 +12,8 @@ namespace RynCommon {
 RyValue RyValue::parse(const UnicodeString& text) {
     TokenScanner::Place place;
     TokenScanner scanner(viewText(text), place);
-    TokenScanner::Token token = scanner.nextSigned();
-    const bool isSingle = token.kind < RYTOKEN_END && scanner.isAtEnd();
-    return isSingle ? scanner.makeValue(token) : RyValue(text);
+    TokenScanner::Token token;
+    return scanner.readSingle(token) ? scanner.makeValue(token) : RyValue(text);
 }
 
 RyValue RyValue::parseNonNumeric(const UnicodeString& text) {

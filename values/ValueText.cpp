@@ -1,10 +1,12 @@
 // The text form of values.
 #include <RynCommon/RyNamedValue.h>
+#include <RynCommon/RyUtil.h>
 #include <RynCommon/RyValue.h>
 
 #include "text/NumberText.h"
 #include "text/Quoting.h"
 #include "values/ColorText.h"
+#include "values/TokenScanner.h"
 #include "values/Units.h"
 
 namespace RynCommon {
@@ -17,7 +19,7 @@ constexpr int MAX_DEPTH = 256;
 /// Appends values to one text. Its recursion is bounded by MAX_DEPTH.
 class ValueWriter {
 public:
-    explicit ValueWriter(bool quotesStrings) : quotesStrings_(quotesStrings) {}
+    explicit ValueWriter(bool isValueText) : isValueText_(isValueText) {}
 
     void write(const RyValue& value) {
         if (value.isColor() && appendColorText(text_, value)) return;
@@ -30,7 +32,7 @@ public:
                 text_.append(value.getStringValue());
                 break;
             case RYVALUE_STRING:
-                writeString(value.getStringValue());
+                writeString(value);
                 break;
             case RYVALUE_COMPOUND:
                 if (value.isCompound()) writeCompound(*value.getNamedValueMap());
@@ -50,17 +52,28 @@ private:
         }
         if (value.isInteger())
             appendInteger(text_, value.getIntegerValue());
+        else if (isValueText_)
+            appendExactReal(text_, value.getRealValue());
         else
             appendReal(text_, static_cast<double>(value.getRealValue()));
         text_.append(getUnitText(value.getUnitType()));
     }
 
-    void writeString(const UnicodeString& string) {
-        if (quotesStrings_)
-            appendQuoted(text_, {string.getBuffer(), static_cast<std::size_t>(string.length())},
-                         RYQUOTE_AUTO);
-        else
+    void writeString(const RyValue& value) {
+        const UnicodeString& string = value.getStringValue();
+        if (!isValueText_ || standsForItself(value))
             text_.append(string);
+        else if (value.isUriString())
+            text_.append(RyUtil::quoteUri(string));
+        else
+            appendQuoted(text_, viewText(string), RYQUOTE_AUTO);
+    }
+
+    bool standsForItself(const RyValue& value) const {
+        TokenScanner::Place place;
+        TokenScanner::Token token;
+        return depth_ == 0 && value.isUnknownString() &&
+               !TokenScanner(viewText(value.getStringValue()), place).readSingle(token);
     }
 
     void writeCompound(const RyNamedValueMap& map) {
@@ -89,12 +102,12 @@ private:
     }
 
     UnicodeString text_;
-    bool quotesStrings_;
+    bool isValueText_;
     int depth_ = 0;
 };
 
-UnicodeString writeValue(const RyValue& value, bool quotesStrings) {
-    ValueWriter writer(quotesStrings);
+UnicodeString writeValue(const RyValue& value, bool isValueText) {
+    ValueWriter writer(isValueText);
     writer.write(value);
     return writer.takeText();
 }

@@ -147,12 +147,13 @@ public:
     /// there is one, its alternate, an ICC colour with its name and four values. Names that are no
     /// plain words are quoted. Numbers are written as "%g".
     ///
-    /// RyValue::parseColor(text, true) reads the text back as an equal colour. Three kinds of
-    /// colour need a form of their own for that: where no sRGB value was given to a CMYK colour or
-    /// a level of gray, the text has none
-    /// ("icc-color(...)", "rgb-icc(#..."); a reserved sRGB value is written as its keyword in front
-    /// of "icc-color("; and a separation that was given the very sRGB value which would be computed
-    /// for it is written as "rgb(r,g,b) icc-color(...)".
+    /// RyValue::parseColor(text, true) reads the text back as an equal colour. Two forms serve
+    /// that: "rgb-icc(" leaves r, g, b out where no sRGB value was given to a CMYK colour or a
+    /// level of gray, and a separation that was given the very sRGB value which would be computed
+    /// for it has "#SEPARATION" in front of its name. A reserved sRGB value is written as its
+    /// keyword in front of "icc-color(". The `named` form always shows an sRGB value, and so a CMYK
+    /// colour or a level of gray without a given one comes back from it as if that value had been
+    /// given.
     UnicodeString toString(bool named) const;
 
     /// Equal sRGB values and profiles with equal components, flags and names (two registration

@@ -191,8 +191,12 @@ public:
     /// The text form. Reals print as "%g" with "." in every locale; a compound as "{a: 1; b: 2pt}",
     /// nested ones down to 256 levels; objects and null print nothing.
     UnicodeString toString() const;
-    /// The same with strings quoted, so that parsing reads them back as strings.
+    /// The text that parsing reads back as an equal value: reals with all their digits and without
+    /// an exponent, literals in quotes, URIs as url("...") (for RyTokenizer::nextTokenValueFunc), a
+    /// string of unknown sort as it is unless parse would take it for something else. Inside of
+    /// compounds all strings are quoted.
     UnicodeString toValueText() const;
+
     /// Values from property texts. None throws (but for lack of memory), none takes more than
     /// linear time. A text that is not of the form becomes a string of unknown sort that holds the
     /// whole text unchanged.
@@ -214,8 +218,9 @@ public:
     ///   [#SEPARATION or #SPOTCOLOR,] name [, tint [[, #CMYK], c, m, y, k]]: a separation
     ///   name, 2 to 4 or 6 values: a colour of the ICC profile of that name
     /// where a name is a word or a quoted string, and a component a number or a percentage, clamped
-    /// to 0 to 1. Without a fallback the sRGB value is computed from the components (of an ICC
-    /// colour: of three as RGB, of four as CMYK, else of the first as gray).
+    /// to 0 to 1; white space may stand for the commas from the name on. Without a fallback the
+    /// sRGB value is computed from the components (of an ICC colour: of three as RGB, of four as
+    /// CMYK, else of the first as gray).
     static RyValue parseColor(const UnicodeString& text, bool full);
 
     /// References and parameters. Each gives a compound; what is malformed becomes an entry that is

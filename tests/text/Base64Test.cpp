@@ -40,9 +40,11 @@ TEST(Base64, KnownVectors) {
     const struct {
         const char* bytes;
         const char* text;
-    } rows[] = {{"", ""},        {"f", "Zg=="},          {"fo", "Zm8="},
-                {"foo", "Zm9v"}, {"foob", "Zm9vYg=="},   {"fooba", "Zm9vYmE="},
-                {"Ma", "TWE="},  {"foobar", "Zm9vYmFy"}, {"\xFF\xEF\xBE", "/+++"}};
+    } rows[] = {
+        {"", ""},        {"f", "Zg=="},          {"fo", "Zm8="},
+        {"foo", "Zm9v"}, {"foob", "Zm9vYg=="},   {"fooba", "Zm9vYmE="},
+        {"Ma", "TWE="},  {"foobar", "Zm9vYmFy"}, {"\xFF\xEF\xBE", "/+++"},
+    };
     for (const auto& row : rows) {
         EXPECT_EQ(narrow(encode(row.bytes)), row.text);
         EXPECT_EQ(decode(row.text), row.bytes);

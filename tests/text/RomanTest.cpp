@@ -53,22 +53,13 @@ TEST(Roman, EveryNumberInEveryLetters) {
     }
 }
 
-TEST(Roman, KnownNumerals) {
-    const struct {
-        int n;
-        const char16_t* token;
-        const char* expected;
-    } rows[] = {
-        {1994, u"i", "mcmxciv"},  {3888, u"i", "mmmdccclxxxviii"},
-        {4000, u"i", "4000"},     {4000, u"I", "Mↁ"},
-        {9999, u"I", "MↂCMXCIX"}, {38888, u"I", "ↂↂↂↁMMMDCCCLXXXVIII"},
-        {12, u"\u2160", "Ⅻ"},     {13, u"\u2160", "ⅩⅠⅠⅠ"},
-        {12, u"\u2170", "ⅻ"},     {4, u"item", "iv"},
-        {4, u"I1", "IV"},         {4, u"v", "4"},
-        {4, u"\u2161", "4"},      {4, u"\u2460i", "①iv"},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(format(row.n, row.token), row.expected) << row.n << narrow(row.token);
+TEST(Roman, TheFirstCharacterMakesTheToken) {
+    EXPECT_EQ(format(1994, u"i"), "mcmxciv");
+    EXPECT_EQ(format(4000, u"I"), "Mↁ");
+    EXPECT_EQ(format(12, u"\u2160"), "Ⅻ");
+    EXPECT_EQ(format(13, u"\u2160"), "ⅩⅠⅠⅠ");
+    EXPECT_EQ(format(4, u"item") + format(4, u"I1") + format(4, u"\u2460i"), "ivIV①iv");
+    EXPECT_EQ(format(4, u"v") + format(4, u"\u2161"), "44");
 }
 
 TEST(Roman, TextsMayBeChangedByTheirOwner) {

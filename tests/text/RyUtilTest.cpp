@@ -21,12 +21,10 @@ TEST(RyUtil, RoundToIntegerGoesAwayFromZeroAndSaturates) {
     } rows[] = {
         {2.5, 3},
         {-2.5, -3},
-        {2.4, 2},
         {-0.4, 0},
         {2147483646.5, MAX},
         {2147483646.4, 2147483646},
         {1e300, MAX},
-        {-1e300, MIN},
         {-2147483648.4, MIN},
         {RyUtil::getNaN(), 0},
     };

@@ -30,27 +30,11 @@ TEST(ColorParse, BothSyntaxes) {
         {u"red", "3/23 red"},
         {u"not-a-color", "3/23 not-a-color"},
         {u"-12.5pt", "2/9 -12.5pt"},
-        {u"12foo", UNKNOWN},
-        {u"", UNKNOWN},
-        {u"'red'", UNKNOWN},
-        {u"red blue", UNKNOWN},
-        {u"#abc def", UNKNOWN},
         {u"rgb(100%,0,50%)", "1/24 #FF0080"},
         {u"rgb( 1 , +2 ,-3 ) ", "1/24 #010200"},
         {u"rgb(300,1.5,2.4)", "1/24 #FF0202"},
         {u"rgb(99999999999,0,0)", "1/24 #FF0000"},
         {u"rgb(1000%,-5%,0.1%)", "1/24 #FF0000"},
-        {u"rgb(1,2)", UNKNOWN},
-        {u"rgb(1,2,3,4)", UNKNOWN},
-        {u"rgb(1 2 3)", UNKNOWN},
-        {u"rgb(1,2,3", UNKNOWN},
-        {u"rgb(1pt,2,3)", UNKNOWN},
-        {u"rgb(1,(,3)", UNKNOWN},
-        {u"rgb(a,2,3)", UNKNOWN},
-        {u"rgb(1e2,2,3)", UNKNOWN},
-        {u"rgb (1,2,3)", UNKNOWN},
-        {u"rgb()", UNKNOWN},
-        {u"hsl(1,2,3)", UNKNOWN},
         {u"rgb-icc(255,0,50%,#CMYK,0,1,1,0)", "7/24 rgb-icc(255,0,128,#CMYK,0,1,1,0)"},
         {u"rgb-icc( 255 , 0 , 0 , #Grayscale , 50% )", "7/24 rgb-icc(255,0,0,#GRAYSCALE,0.5)"},
         {u"rgb-icc(#CMYK,0,1,1,0)", "7/24 rgb-icc(#CMYK,0,1,1,0)"},
@@ -63,28 +47,46 @@ TEST(ColorParse, BothSyntaxes) {
         {u"rgb-icc(1,2,3,p,1,0)", "7/24 rgb-icc(1,2,3,p,1,0,0,0)"},
         {u"rgb-icc(1,2,3,#p,1,0,0)", "7/24 rgb-icc(1,2,3,\"#p\",1,0,0,0)"},
         {u"rgb-icc(1,2,3,\"#CMYK\",1,0,0,0)", "7/24 rgb-icc(1,2,3,\"#CMYK\",1,0,0,0)"},
-        {u"rgb-icc(Spot,1)", UNKNOWN},
-        {u"rgb-icc(1,2,3)", UNKNOWN},
-        {u"rgb-icc(1,2,3,)", UNKNOWN},
-        {u"rgb-icc(1,2,3,Spot,)", UNKNOWN},
-        {u"rgb-icc(1,2,3,Spot,1", UNKNOWN},
-        {u"rgb-icc(1,2,3,Spot,1) x", UNKNOWN},
-        {u"rgb-icc(1,2,3,Spot,1pt)", UNKNOWN},
-        {u"rgb-icc(1,2,3,Spot,a)", UNKNOWN},
-        {u"rgb-icc(1,2,3,12,1)", UNKNOWN},
-        {u"rgb-icc(1,2,3,#CMYK,1,0,0)", UNKNOWN},
-        {u"rgb-icc(1,2,3,#CMYK,1,0,0,0,0)", UNKNOWN},
-        {u"rgb-icc(1,2,3,#CMYK,#CMYK,1,0,0,0)", UNKNOWN},
-        {u"rgb-icc(1,2,3,Spot,1,0,#CMYK,0,0,0,0)", UNKNOWN},
-        {u"rgb-icc(1,2,3,Spot,#CMYK,#CMYK,0,0,0,0)", UNKNOWN},
-        {u"rgb-icc(1,2,3,#GRAYSCALE,1,0)", UNKNOWN},
-        {u"rgb-icc(1,2,3,#SEPARATION,1)", UNKNOWN},
-        {u"rgb-icc(1,2,3,#SEPARATION,S,1,0)", UNKNOWN},
-        {u"rgb-icc(1,2,3,p,0,0,0,0,0,0,0)", UNKNOWN},
     };
     for (const auto& row : rows)
         for (const bool full : {false, true})
             EXPECT_EQ(parse(row.text, full), row.expected) << narrow(row.text) << " " << full;
+    for (const char16_t* text : {u"12foo",
+                                 u"",
+                                 u"'red'",
+                                 u"red blue",
+                                 u"#abc def",
+                                 u"rgb(1,2)",
+                                 u"rgb(1,2,3,4)",
+                                 u"rgb(1 2 3)",
+                                 u"rgb(1,2,3",
+                                 u"rgb(1pt,2,3)",
+                                 u"rgb(1,(,3)",
+                                 u"rgb(a,2,3)",
+                                 u"rgb(1e2,2,3)",
+                                 u"rgb (1,2,3)",
+                                 u"rgb()",
+                                 u"hsl(1,2,3)",
+                                 u"rgb-icc(Spot,1)",
+                                 u"rgb-icc(1,2,3)",
+                                 u"rgb-icc(1,2,3,)",
+                                 u"rgb-icc(1,2,3,Spot,)",
+                                 u"rgb-icc(1,2,3,Spot,1",
+                                 u"rgb-icc(1,2,3,Spot,1) x",
+                                 u"rgb-icc(1,2,3,Spot,1pt)",
+                                 u"rgb-icc(1,2,3,Spot,a)",
+                                 u"rgb-icc(1,2,3,12,1)",
+                                 u"rgb-icc(1,2,3,#CMYK,1,0,0)",
+                                 u"rgb-icc(1,2,3,#CMYK,1,0,0,0,0)",
+                                 u"rgb-icc(1,2,3,#CMYK,#CMYK,1,0,0,0)",
+                                 u"rgb-icc(1,2,3,Spot,1,0,#CMYK,0,0,0,0)",
+                                 u"rgb-icc(1,2,3,Spot,#CMYK,#CMYK,0,0,0,0)",
+                                 u"rgb-icc(1,2,3,#GRAYSCALE,1,0)",
+                                 u"rgb-icc(1,2,3,#SEPARATION,1)",
+                                 u"rgb-icc(1,2,3,#SEPARATION,S,1,0)",
+                                 u"rgb-icc(1,2,3,p,0,0,0,0,0,0,0)"})
+        for (const bool full : {false, true})
+            EXPECT_EQ(parse(text, full), UNKNOWN) << narrow(text) << " " << full;
 }
 
 TEST(ColorParse, FullSyntax) {
@@ -99,22 +101,22 @@ TEST(ColorParse, FullSyntax) {
         {u"icc-color(p,0,0,0,1)", "7/24 rgb-icc(0,0,0,p,0,0,0,1)"},
         {u"red icc-color(#CMYK,0,1,1,0)", "7/24 rgb-icc(255,0,0,#CMYK,0,1,1,0)"},
         {u"RED icc-color( 'a,b' , 0.5)", "7/24 rgb-icc(255,0,0,\"a,b\",0.5)"},
-        {u"#f00 icc-color(p,0,0,0,1)", "7/24 rgb-icc(255,0,0,p,0,0,0,1)"},
+        {u"#f00 icc-color(p 0,0 ,0\t1)", "7/24 rgb-icc(255,0,0,p,0,0,0,1)"},
         {u"#808080 icc-color(Spot,0.5)", "7/24 rgb-icc(128,128,128,Spot,0.5)"},
         {u"rgb(100%,0,0)icc-color(#GRAYSCALE,0)", "7/24 rgb-icc(255,0,0,#GRAYSCALE,0)"},
         {u"transparent icc-color(#GRAYSCALE,0)", "7/24 transparent icc-color(#GRAYSCALE,0)"},
         {u"currentcolor icc-color(Spot,1)", "7/24 currentColor icc-color(Spot,1)"},
-        {u"nocolor icc-color(#GRAYSCALE,0)", UNKNOWN},
-        {u"12 icc-color(#GRAYSCALE,0)", UNKNOWN},
-        {u"red icc-color (#GRAYSCALE,0)", UNKNOWN},
-        {u"red rgb-icc(#GRAYSCALE,0)", UNKNOWN},
-        {u"red icc-color(#GRAYSCALE,0) x", UNKNOWN},
-        {u"red x", UNKNOWN},
+        {u"icc-color(#SEPARATION S .5)", "7/24 rgb-icc(128,128,128,S,0.5)"},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(parse(row.text, true), row.expected) << narrow(row.text);
         EXPECT_EQ(parse(row.text, false), UNKNOWN) << narrow(row.text);
     }
+    for (const char16_t* text : {u"icc-color(p,0.1.2)", u"icc-color('p'0 1)", u"icc-color(p 0 ,,1)",
+                                 u"nocolor icc-color(#GRAYSCALE,0)", u"12 icc-color(#GRAYSCALE,0)",
+                                 u"red icc-color (#GRAYSCALE,0)", u"red rgb-icc(#GRAYSCALE,0)",
+                                 u"red icc-color(#GRAYSCALE,0) x", u"red x"})
+        EXPECT_EQ(parse(text, true), UNKNOWN) << narrow(text);
 }
 
 TEST(ColorParse, SeparationFlagsTellWhatWasGiven) {
@@ -131,7 +133,8 @@ TEST(ColorParse, SeparationFlagsTellWhatWasGiven) {
         {u"red icc-color(S,1,0,0,0,1)", true, true, true},
         {u"rgb-icc(255,0,0,S)", true, false, false},
         {u"#808080 icc-color(S,0.5)", false, true, false},
-        {u"rgb(128,128,128) icc-color(S,0.5)", true, true, false},
+        {u"#808080 icc-color(#SpotColor,S,0.5)", true, true, false},
+        {u"rgb-icc(255,0,0,#SEPARATION,S,1,0,1,1,0)", true, true, true},
     };
     for (const auto& row : rows) {
         const RyColor color = RyValue::parseColor(row.text, true).getColorValue();

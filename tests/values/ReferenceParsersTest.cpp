@@ -45,27 +45,25 @@ void expectRows(RyValue (*parser)(const UnicodeString&), const Row (&rows)[COUNT
 }
 
 TEST(ReferenceParsers, DestinationType) {
-    const Row rows[] = {
-        {u"fit", "type: fit"},
-        {u" FitB ", "type: fitb"},
-        {u"fith 100", "top: 100; type: fith"},
-        {u"FitH,100", "top: 100; type: fith"},
-        {u"fitbh -1.5", "top: -1.5; type: fitbh"},
-        {u"fitv 10pt", "left: 10pt; type: fitv"},
-        {u"fitbv null", "left: null; type: fitbv"},
-        {u"fitr 1,2,3,4", "bottom: 2; left: 1; right: 3; top: 4; type: fitr"},
-        {u"XYZ 10 , 20 1.5", "left: 10; top: 20; type: xyz; zoom: 1.5"},
-        {u"xyz auto", "left: auto; type: xyz"},
-        {u"xyz,,20", "top: 20; type: xyz"},
-        {u"xyz-left 1 200%", "left: 1; type: xyz-left; zoom: 200%"},
-        {u"xyz-top 2", "top: 2; type: xyz-top"},
-        {u"xyz-left-top 1 2 3", "left: 1; top: 2; type: xyz-left-top; zoom: 3"},
-        {u"fit 1", ".: ?1; type: fit"},
-        {u"fith 1 2, x ", ".: ?2, x; top: 1; type: fith"},
-        {u"fith x1 2", ".: ?2; top: ?x1; type: fith"},
-        {u"page 1", ".: ?page 1"},
-        {u"", ""},
-    };
+    const Row rows[] = {{u"fit", "type: fit"},
+                        {u" FitB ", "type: fitb"},
+                        {u"fith 100", "top: 100; type: fith"},
+                        {u"FitH,100", "top: 100; type: fith"},
+                        {u"fitbh -1.5", "top: -1.5; type: fitbh"},
+                        {u"fitv 10pt", "left: 10pt; type: fitv"},
+                        {u"fitbv null", "left: null; type: fitbv"},
+                        {u"fitr 1,2,3,4", "bottom: 2; left: 1; right: 3; top: 4; type: fitr"},
+                        {u"XYZ 10 , 20 1.5", "left: 10; top: 20; type: xyz; zoom: 1.5"},
+                        {u"xyz auto", "left: auto; type: xyz"},
+                        {u"xyz,,20", "top: 20; type: xyz"},
+                        {u"xyz-left 1 200%", "left: 1; type: xyz-left; zoom: 200%"},
+                        {u"xyz-top 2", "top: 2; type: xyz-top"},
+                        {u"xyz-left-top 1 2 3", "left: 1; top: 2; type: xyz-left-top; zoom: 3"},
+                        {u"fit 1", ".: ?1; type: fit"},
+                        {u"fith 1 2, x ", ".: ?2, x; top: 1; type: fith"},
+                        {u"fith x1 2", ".: ?2; top: ?x1; type: fith"},
+                        {u"page 1", ".: ?page 1"},
+                        {u"", ""}};
     expectRows(RyValue::parseDestinationType, rows);
 }
 
@@ -86,8 +84,7 @@ TEST(ReferenceParsers, PDFOpenParameters) {
         {u"page=1pt&foo=bar&page&page=2&&=1", ".: ?foo=bar&page&page=2&=1; page: ?1pt"},
         {u"nameddest=%e3%81%82%ff%zz%4", "nameddest: '%e3%81%82%ff%zz%4'"},
         {u"nameddest=%E3%81%82", "nameddest: 'あ'"},
-        {u"", ""},
-    };
+        {u"", ""}};
     expectRows(RyValue::parsePDFOpenParameters, rows);
 }
 
@@ -108,8 +105,7 @@ TEST(ReferenceParsers, ExcelOpenParameters) {
         {u"'a'b!A1", ".: ?'a'b!A1"},
         {u"my-name", ".: ?my-name"},
         {u"A1:", ".: ?A1:"},
-        {u"", ""},
-    };
+        {u"", ""}};
     expectRows(RyValue::parseExcelOpenParameters, rows);
 }
 
@@ -143,23 +139,21 @@ TEST(ReferenceParsers, InternalDestination) {
 }
 
 TEST(ReferenceParsers, XlinkHref) {
-    const Row rows[] = {
-        {u"#x", "id: 'x'"},
-        {u"a.svg#x", "id: 'x'; uri: <a.svg>"},
-        {u" url( 'a b.svg#x' ) ", "id: 'x'; uri: <a b.svg>"},
-        {u"url(#x)", "id: 'x'"},
-        {u"http://h/a?b=c", "uri: <http://h/a?b=c>"},
-        {u"a.svg#xpointer(id('x y'))", "id: 'x y'; uri: <a.svg>"},
-        {u"#xpointer(id(%22x%22))", "id: 'x'"},
-        {u"#xpointer(id(x))", "fragment: 'xpointer(id(x))'"},
-        {u"#xpointer(id('x'y'))", "fragment: 'xpointer(id('x'y'))'"},
-        {u"#xpointer(/1)", "fragment: 'xpointer(/1)'"},
-        {u"a.pdf#page=3#x", "fragment: 'page=3#x'; uri: <a.pdf>"},
-        {u"a#", "fragment: ''; uri: <a>"},
-        {u"url(a", ".: ?url(a"},
-        {u"url(a) b", ".: ?url(a) b"},
-        {u"", ""},
-    };
+    const Row rows[] = {{u"#x", "id: 'x'"},
+                        {u"a.svg#x", "id: 'x'; uri: <a.svg>"},
+                        {u" url( 'a b.svg#x' ) ", "id: 'x'; uri: <a b.svg>"},
+                        {u"url(#x)", "id: 'x'"},
+                        {u"http://h/a?b=c", "uri: <http://h/a?b=c>"},
+                        {u"a.svg#xpointer(id('x y'))", "id: 'x y'; uri: <a.svg>"},
+                        {u"#xpointer(id(%22x%22))", "id: 'x'"},
+                        {u"#xpointer(id(x))", "fragment: 'xpointer(id(x))'"},
+                        {u"#xpointer(id('x'y'))", "fragment: 'xpointer(id('x'y'))'"},
+                        {u"#xpointer(/1)", "fragment: 'xpointer(/1)'"},
+                        {u"a.pdf#page=3#x", "fragment: 'page=3#x'; uri: <a.pdf>"},
+                        {u"a#", "fragment: ''; uri: <a>"},
+                        {u"url(a", ".: ?url(a"},
+                        {u"url(a) b", ".: ?url(a) b"},
+                        {u"", ""}};
     expectRows(RyValue::parseXlinkHref, rows);
 }
 

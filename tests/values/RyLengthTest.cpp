@@ -18,11 +18,12 @@ TEST(RyLength, UnitsBothWays) {
     const struct {
         RyValueUnitType unit;
         double points;
-    } rows[] = {{RYUNIT_CM, 72 / 2.54},  {RYUNIT_MM, 72 / 25.4}, {RYUNIT_IN, 72},
-                {RYUNIT_PT, 1},          {RYUNIT_PC, 12},        {RYUNIT_Q, 72 / 101.6},
-                {RYUNIT_TWIP, 0.05},     {RYUNIT_NONE, -1},      {RYUNIT_NUMBER, -1},
-                {RYUNIT_PERCENTAGE, -1}, {RYUNIT_EM, -1},        {RYUNIT_PX, -1},
-                {RYUNIT_JPT, -1},        {RYUNIT_DEG, -1},       {RYUNIT_DPI, -1}};
+    } rows[] = {
+        {RYUNIT_CM, 72 / 2.54}, {RYUNIT_MM, 72 / 25.4},  {RYUNIT_IN, 72},     {RYUNIT_PT, 1},
+        {RYUNIT_PC, 12},        {RYUNIT_Q, 72 / 101.6},  {RYUNIT_TWIP, 0.05}, {RYUNIT_NONE, -1},
+        {RYUNIT_NUMBER, -1},    {RYUNIT_PERCENTAGE, -1}, {RYUNIT_EM, -1},     {RYUNIT_PX, -1},
+        {RYUNIT_JPT, -1},       {RYUNIT_DEG, -1},        {RYUNIT_DPI, -1},
+    };
     for (const auto& row : rows) {
         const RyLength length(10, row.unit);
         EXPECT_EQ(length.isAuto(), row.points < 0) << row.unit;
@@ -74,16 +75,12 @@ TEST(RyLength, FromValues) {
         float points;
     } rows[] = {
         {RyValue(7.5, RYUNIT_PT), 7.5F},
-        {makeInteger(7, RYUNIT_PT), 7},
         {makeInteger(1, RYUNIT_IN), 72},
-        {RyValue(20, RYUNIT_TWIP), 1},
         {named, 2},
         {both, 72},
         {nullLength, NO_NUMBER},
         {nested, NO_NUMBER},
         {RyValue(1, RYUNIT_JPT), NO_NUMBER},
-        {RyValue(1, RYUNIT_PX), NO_NUMBER},
-        {RyValue(50, RYUNIT_PERCENTAGE), NO_NUMBER},
         {RyValue(1), NO_NUMBER},
         {RyValue(u"1pt"), NO_NUMBER},
         {RyValue(), NO_NUMBER},

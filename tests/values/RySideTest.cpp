@@ -161,42 +161,23 @@ TEST(RySide, OtherNamesBearNoSide) {
 }
 
 TEST(RySide, Dimensions) {
-    const struct {
-        RyNameEnum name;
-        RyNameEnum absolute[2];  // horizontal, vertical
-        RyNameEnum relative[2];
-    } rows[] = {
-        {RN_block_progression_dimension,
-         {RN_height, RN_width},
-         {RN_block_progression_dimension, RN_block_progression_dimension}},
-        {RN_inline_progression_dimension,
-         {RN_width, RN_height},
-         {RN_inline_progression_dimension, RN_inline_progression_dimension}},
-        {RN_width,
-         {RN_width, RN_width},
-         {RN_inline_progression_dimension, RN_block_progression_dimension}},
-        {RN_min_width,
-         {RN_min_width, RN_min_width},
-         {RN_inline_progression_dimension, RN_block_progression_dimension}},
-        {RN_max_width,
-         {RN_max_width, RN_max_width},
-         {RN_inline_progression_dimension, RN_block_progression_dimension}},
-        {RN_height,
-         {RN_height, RN_height},
-         {RN_block_progression_dimension, RN_inline_progression_dimension}},
-        {RN_min_height,
-         {RN_min_height, RN_min_height},
-         {RN_block_progression_dimension, RN_inline_progression_dimension}},
-        {RN_max_height,
-         {RN_max_height, RN_max_height},
-         {RN_block_progression_dimension, RN_inline_progression_dimension}},
-    };
-    for (const auto& row : rows)
-        for (const RyWritingMode mode : MODES) {
-            const int vertical = mode.isVerticalText() ? 1 : 0;
-            EXPECT_EQ(RySide::toAbsoluteName(row.name, mode), row.absolute[vertical]);
-            EXPECT_EQ(RySide::toRelativeName(row.name, mode), row.relative[vertical]);
+    constexpr RyNameEnum INLINE = RN_inline_progression_dimension;
+    constexpr RyNameEnum BLOCK = RN_block_progression_dimension;
+    for (const RyWritingMode mode : MODES) {
+        const bool isVertical = mode.isVerticalText();
+        for (const RyNameEnum width : {RN_width, RN_min_width, RN_max_width}) {
+            EXPECT_EQ(RySide::toAbsoluteName(width, mode), width);
+            EXPECT_EQ(RySide::toRelativeName(width, mode), isVertical ? BLOCK : INLINE);
         }
+        for (const RyNameEnum height : {RN_height, RN_min_height, RN_max_height}) {
+            EXPECT_EQ(RySide::toAbsoluteName(height, mode), height);
+            EXPECT_EQ(RySide::toRelativeName(height, mode), isVertical ? INLINE : BLOCK);
+        }
+        EXPECT_EQ(RySide::toAbsoluteName(INLINE, mode), isVertical ? RN_height : RN_width);
+        EXPECT_EQ(RySide::toAbsoluteName(BLOCK, mode), isVertical ? RN_width : RN_height);
+        for (const RyNameEnum dimension : {INLINE, BLOCK})
+            EXPECT_EQ(RySide::toRelativeName(dimension, mode), dimension);
+    }
 }
 
 TEST(RySide, Examples) {

@@ -71,36 +71,34 @@ TEST(RyValue, ConstructorsSetKindUnitAndPayload) {
     }
 }
 
-enum Predicate : unsigned {
-    IS_NULL = 1,
-    IS_EMPTY = 2,
-    IS_NUMERIC = 4,
-    IS_NUMBER = 8,
-    IS_PERCENTAGE = 16,
-    IS_RELATIVE = 32,
-    IS_ABSOLUTE = 64,
-    IS_ANGLE = 128,
-    IS_CHARACTER = 256,
-    IS_NUMERICAL = 512,
-    IS_UNKNOWN = 1024,
-    IS_LITERAL = 2048,
-    IS_URI = 4096,
-    IS_COLOR = 8192,
-    IS_OBJECT = 16384,
-    IS_COMPOUND = 32768,
-    IS_TRUE = 65536,
-    IS_FALSE = 131072
-};
-
-unsigned getPredicates(const RyValue& v) {
-    const bool truths[] = {v.isNull(),           v.isEmpty(),         v.isNumeric(),
-                           v.isNumber(),         v.isPercentage(),    v.isRelativeLength(),
-                           v.isAbsoluteLength(), v.isAngle(),         v.isCharacter(),
-                           v.isNumericalValue(), v.isUnknownString(), v.isLiteralString(),
-                           v.isUriString(),      v.isColor(),         v.isRCObject(),
-                           v.isCompound(),       v.isTrue(),          v.isFalse()};
-    unsigned result = 0;
-    for (unsigned i = 0; i < std::size(truths); ++i) result |= truths[i] ? 1U << i : 0;
+/// Names of the predicates that hold, each behind a blank.
+std::string getPredicates(const RyValue& value) {
+    static constexpr struct {
+        const char* name;
+        bool (RyValue::*holds)() const;
+    } PREDICATES[] = {
+        {"null", &RyValue::isNull},
+        {"empty", &RyValue::isEmpty},
+        {"numeric", &RyValue::isNumeric},
+        {"numerical", &RyValue::isNumericalValue},
+        {"number", &RyValue::isNumber},
+        {"percentage", &RyValue::isPercentage},
+        {"relative", &RyValue::isRelativeLength},
+        {"absolute", &RyValue::isAbsoluteLength},
+        {"angle", &RyValue::isAngle},
+        {"character", &RyValue::isCharacter},
+        {"unknown", &RyValue::isUnknownString},
+        {"literal", &RyValue::isLiteralString},
+        {"uri", &RyValue::isUriString},
+        {"color", &RyValue::isColor},
+        {"object", &RyValue::isRCObject},
+        {"compound", &RyValue::isCompound},
+        {"true", &RyValue::isTrue},
+        {"false", &RyValue::isFalse},
+    };
+    std::string result;
+    for (const auto& predicate : PREDICATES)
+        if ((value.*predicate.holds)()) result += std::string(" ") + predicate.name;
     return result;
 }
 
@@ -111,32 +109,29 @@ TEST(RyValue, Predicates) {
     colorCompound.setUnitType(RYUNIT_COLOR);
     RyValue colorName(RN_red);
     colorName.setUnitType(RYUNIT_COLOR);
-    const unsigned number = IS_NUMERIC | IS_NUMERICAL;
     const struct {
         RyValue value;
-        unsigned expected;
+        const char* expected;
     } rows[] = {
-        {RyValue(), IS_NULL | IS_EMPTY},
-        {RyValue(1), number | IS_NUMBER},
-        {RyValue(1.5), number | IS_NUMBER},
-        {makeInteger(5, RYUNIT_PERCENTAGE), number | IS_PERCENTAGE},
-        {makeInteger(65, RYUNIT_CHARACTER), IS_NUMERIC | IS_CHARACTER},
-        {RyValue(65, RYUNIT_CHARACTER), IS_NUMERIC},
-        {makeInteger(0xFF, RYUNIT_COLOR), number | IS_COLOR},
-        {RyValue(1, RYUNIT_COLOR), number},
-        {RyValue(u""), IS_EMPTY | IS_UNKNOWN},
-        {RyValue(u"a", RYUNIT_LITERAL), IS_LITERAL},
-        {RyValue(u"a", RYUNIT_URI), IS_URI},
-        {RyValue(RyName()), IS_EMPTY},
-        {RyValue(RN_yes), IS_TRUE},
-        {RyValue(true), IS_TRUE},
-        {RyValue(RN_no), IS_FALSE},
-        {RyValue(false), IS_FALSE},
-        {colorName, 0},
-        {compound, IS_OBJECT | IS_COMPOUND},
-        {colorCompound, IS_OBJECT | IS_COMPOUND | IS_COLOR},
-        {RyValue(static_cast<RyNamedValueMap*>(nullptr)), 0},
-        {RyValue(static_cast<RyRCObject*>(nullptr)), IS_OBJECT},
+        {RyValue(), " null empty"},
+        {RyValue(1), " numeric numerical number"},
+        {RyValue(1.5), " numeric numerical number"},
+        {makeInteger(5, RYUNIT_PERCENTAGE), " numeric numerical percentage"},
+        {makeInteger(65, RYUNIT_CHARACTER), " numeric character"},
+        {RyValue(65, RYUNIT_CHARACTER), " numeric"},
+        {makeInteger(0xFF, RYUNIT_COLOR), " numeric numerical color"},
+        {RyValue(1, RYUNIT_COLOR), " numeric numerical"},
+        {RyValue(u""), " empty unknown"},
+        {RyValue(u"a", RYUNIT_LITERAL), " literal"},
+        {RyValue(u"a", RYUNIT_URI), " uri"},
+        {RyValue(RyName()), " empty"},
+        {RyValue(RN_yes), " true"},
+        {RyValue(RN_no), " false"},
+        {colorName, ""},
+        {compound, " object compound"},
+        {colorCompound, " color object compound"},
+        {RyValue(static_cast<RyNamedValueMap*>(nullptr)), ""},
+        {RyValue(static_cast<RyRCObject*>(nullptr)), " object"},
     };
     for (const auto& row : rows)
         EXPECT_EQ(getPredicates(row.value), row.expected) << describe(row.value);

@@ -24,22 +24,20 @@ TEST(Units, Texts) {
 
 /// Every conversion there is between two different units, as the value of 1.
 std::map<std::pair<int, int>, double> makeConversions() {
-    std::map<std::pair<int, int>, double> result = {
-        {{RYUNIT_PERCENTAGE, RYUNIT_NUMBER}, 0.01},
-        {{RYUNIT_NUMBER, RYUNIT_PERCENTAGE}, 100},
-        {{RYUNIT_DPI, RYUNIT_NUMBER}, 1},
-        {{RYUNIT_PERCENTAGE, RYUNIT_DPI}, 1},
-        {{RYUNIT_RAD, RYUNIT_DEG}, 57.295776},
-        {{RYUNIT_GRAD, RYUNIT_DEG}, 0.9},
-        {{RYUNIT_DEG, RYUNIT_RAD}, 0.017453292},
-        {{RYUNIT_GRAD, RYUNIT_RAD}, 0.015707964},
-        {{RYUNIT_RAD, RYUNIT_GRAD}, 63.661976},
-        {{RYUNIT_DEG, RYUNIT_GRAD}, 0.017453292},
-        {{RYUNIT_S, RYUNIT_MS}, 1000},
-        {{RYUNIT_MS, RYUNIT_S}, 0.001},
-        {{RYUNIT_KHZ, RYUNIT_HZ}, 1000},
-        {{RYUNIT_HZ, RYUNIT_KHZ}, 0.001},
-    };
+    std::map<std::pair<int, int>, double> result = {{{RYUNIT_PERCENTAGE, RYUNIT_NUMBER}, 0.01},
+                                                    {{RYUNIT_NUMBER, RYUNIT_PERCENTAGE}, 100},
+                                                    {{RYUNIT_DPI, RYUNIT_NUMBER}, 1},
+                                                    {{RYUNIT_PERCENTAGE, RYUNIT_DPI}, 1},
+                                                    {{RYUNIT_RAD, RYUNIT_DEG}, 57.295776},
+                                                    {{RYUNIT_GRAD, RYUNIT_DEG}, 0.9},
+                                                    {{RYUNIT_DEG, RYUNIT_RAD}, 0.017453292},
+                                                    {{RYUNIT_GRAD, RYUNIT_RAD}, 0.015707964},
+                                                    {{RYUNIT_RAD, RYUNIT_GRAD}, 63.661976},
+                                                    {{RYUNIT_DEG, RYUNIT_GRAD}, 0.017453292},
+                                                    {{RYUNIT_S, RYUNIT_MS}, 1000},
+                                                    {{RYUNIT_MS, RYUNIT_S}, 0.001},
+                                                    {{RYUNIT_KHZ, RYUNIT_HZ}, 1000},
+                                                    {{RYUNIT_HZ, RYUNIT_KHZ}, 0.001}};
     const std::pair<int, double> lengths[] = {
         {RYUNIT_CM, 28.346457}, {RYUNIT_MM, 2.8346457}, {RYUNIT_IN, 72},    {RYUNIT_PT, 1},
         {RYUNIT_PC, 12},        {RYUNIT_Q, 0.70866142}, {RYUNIT_TWIP, 0.05}};

@@ -1,4 +1,7 @@
 // The text forms of values.
+#include <limits>
+
+#include <RynCommon/RyNameTable.h>
 #include <RynCommon/RyNamedValue.h>
 #include <RynCommon/RyUtil.h>
 #include <RynCommon/RyValue.h>
@@ -71,7 +74,8 @@ TEST(ValueText, CompoundEntriesComeInNameOrder) {
     EXPECT_EQ(narrow(makeExample().toString()), aIsFirst ? "{a: 1; b: 2pt}" : "{b: 2pt; a: 1}");
 }
 
-TEST(ValueText, ToValueTextQuotesStrings) {
+TEST(ValueText, ToValueTextIsWhatParsingReads) {
+    const int last = RyNameTable::getSharedNameTable()->getNameLast();
     RyValue compound;
     compound.makeCompound();
     compound.setNamedItem(RN_value, u"x; y");
@@ -79,11 +83,22 @@ TEST(ValueText, ToValueTextQuotesStrings) {
         RyValue value;
         const char* expected;
     } rows[] = {
-        {u"12pt", "\"12pt\""}, {RyValue(u"say \"a\"", RYUNIT_LITERAL), "'say \"a\"'"},
-        {u"", "\"\""},         {RyValue(12, RYUNIT_PT), "12pt"},
-        {RN_auto, "auto"},     {compound, "{value: \"x; y\"}"},
+        {u"12pt", "\"12pt\""},
+        {u"a name of nobody", "a name of nobody"},
+        {u"unheard-of-in-value-texts", "\"unheard-of-in-value-texts\""},
+        {RyValue(u"say \"a\"", RYUNIT_LITERAL), "'say \"a\"'"},
+        {RyValue(u"", RYUNIT_LITERAL), "\"\""},
+        {u"", ""},
+        {RyValue(u"a b", RYUNIT_URI), "url(\"a b\")"},
+        {RyValue(1234567.5, RYUNIT_PT), "1234567.5pt"},
+        {1e-7, "0.0000001"},
+        {RyValue(-std::numeric_limits<float>::infinity(), RYUNIT_PT),
+         "-900000000000000000000000000000000000000pt"},
+        {RN_auto, "auto"},
+        {compound, "{value: \"x; y\"}"},
     };
     for (const auto& row : rows) EXPECT_EQ(narrow(row.value.toValueText()), row.expected);
+    EXPECT_EQ(RyNameTable::getSharedNameTable()->getNameLast(), last) << "something was interned";
 }
 
 }  // namespace
