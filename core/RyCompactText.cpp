@@ -11,6 +11,7 @@
 
 #include <RynCommon/RyString.h>
 
+#include "core/SlabMemory.h"
 #include "core/UnitScan.h"
 
 namespace RynCommon {
@@ -35,7 +36,7 @@ struct RyCompactText::Block {
         return block;
     }
 
-    static void free(Block* block) { ::operator delete(block); }
+    static void free(Block* block) { SlabMemory::release(block, sizeof(Block) + block->size()); }
 
     std::size_t length() const { return lengthAndWidth >> 1; }
     bool isWide() const { return (lengthAndWidth & 1) != 0; }
@@ -54,7 +55,7 @@ struct RyCompactText::Block {
 
 private:
     static Block* allocate(std::size_t length, bool wide) {
-        void* const room = ::operator new(sizeof(Block) + (length << int{wide}));
+        void* const room = SlabMemory::allocate(sizeof(Block) + (length << int{wide}));
         return ::new (room) Block{static_cast<std::uint32_t>(length << 1 | std::size_t{wide})};
     }
 };
@@ -62,6 +63,8 @@ private:
 namespace {
 
 constexpr std::size_t SHORT_MOST = sizeof(std::uintptr_t) - 1;
+/// Room for any short text, written whole.
+constexpr std::int32_t SHORT_ROOM = sizeof(std::uintptr_t);
 
 std::size_t shortLength(std::uintptr_t word) {
     return word >> 1 & 7;
@@ -69,6 +72,14 @@ std::size_t shortLength(std::uintptr_t word) {
 
 std::uintptr_t shortUnit(std::uintptr_t word, std::size_t index) {
     return word >> (8 * (index + 1)) & 0xFF;
+}
+
+/// Writes SHORT_ROOM units: those of the text and zeros. The loop has no branch that depends on the
+/// text, so that it becomes one vector instruction.
+void unpackShort(std::uintptr_t word, char16_t* to) {
+    word >>= 8;
+    for (std::int32_t i = 0; i < SHORT_ROOM; ++i)
+        to[i] = static_cast<char16_t>(word >> 8 * i & 0xFF);
 }
 
 /// The word of a text of 1 to SHORT_MOST units, or 0 when one of them is not Latin-1.
@@ -134,10 +145,14 @@ UnicodeString RyCompactText::toString() const {
 void RyCompactText::copyTo(UnicodeString& text) const {
     text.remove();
     if (isEmpty()) return;
-    char16_t* const to = text.getBuffer(length());
+    const std::int32_t all = length();
+    char16_t* const to = text.getBuffer(std::max(all, SHORT_ROOM));
     if (to == nullptr) throw std::bad_alloc();
-    copyUnits(0, static_cast<std::size_t>(length()), to);
-    text.releaseBuffer(length());
+    if (hasBlock())
+        block()->copyUnits(0, static_cast<std::size_t>(all), to);
+    else
+        unpackShort(word_, to);
+    text.releaseBuffer(all);
 }
 
 void RyCompactText::appendTo(UnicodeString& text) const {

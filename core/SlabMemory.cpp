@@ -1,5 +1,5 @@
 // Slabs of nodes; see the header.
-#include "xml/tree/NodeMemory.h"
+#include "core/SlabMemory.h"
 
 #include <atomic>
 #include <cstdint>
@@ -33,32 +33,53 @@ struct alignas(PREFIX) Slab {
         live;  // pieces in use; HELD minus those released while at a thread's hand
 };
 
-/// The slab at this thread's hand.
+/// The slab that this thread cuts from, and the one whose pieces it gives back.
 struct Hand {
     std::byte* next;
     std::byte* end;
     Slab* slab;
     std::uint32_t given;
+    std::uint32_t returned;  // pieces of `returning` that its count does not know yet
+    Slab* returning;
 };
 constinit thread_local Hand hand{};
 
-void retire() noexcept {
-    Slab* const slab = hand.slab;
-    if (slab == nullptr) return;
-    const std::uint32_t surplus = HELD - hand.given;
-    hand = Hand{};
-    if (slab->live.fetch_sub(surplus, std::memory_order_acq_rel) == surplus)
-        ::operator delete(slab);
+void subtract(Slab* slab, std::uint32_t pieces) noexcept {
+    if (slab->live.fetch_sub(pieces, std::memory_order_acq_rel) == pieces) ::operator delete(slab);
 }
 
-/// Retires the slab when the thread ends.
+void flushReturned() noexcept {
+    if (hand.returned != 0) subtract(hand.returning, hand.returned);
+    hand.returned = 0;
+    hand.returning = nullptr;
+}
+
+void retire() noexcept {
+    if (hand.slab == nullptr) return;
+    Slab* const slab = hand.slab;
+    const std::uint32_t surplus = HELD - hand.given;
+    hand.slab = nullptr;
+    hand.next = hand.end = nullptr;
+    hand.given = 0;
+    subtract(slab, surplus);
+}
+
+/// Leaves nothing at this thread's hand when it ends.
 struct Retirement {
     Retirement() noexcept {}
-    ~Retirement() { retire(); }
+    ~Retirement() {
+        flushReturned();
+        retire();
+    }
 };
 
+void atThreadEnd() {
+    static thread_local const Retirement retirement;
+}
+
 void takeSlab() {
-    static thread_local const Retirement atThreadEnd;
+    atThreadEnd();
+    if (hand.returning == hand.slab) flushReturned();
     // All pieces may have come back meanwhile.
     const bool reusable = hand.slab != nullptr &&
                           hand.slab->live.load(std::memory_order_acquire) == HELD - hand.given;
@@ -86,7 +107,7 @@ std::size_t paddingAt(const std::byte* next, std::size_t size) {
 
 }  // namespace
 
-void* NodeMemory::allocate(std::size_t size) {
+void* SlabMemory::allocate(std::size_t size) {
     if (!usesSlab(size)) return ::operator new(size);
     const std::size_t piece = PREFIX + ((size + PREFIX - 1) & ~(PREFIX - 1));
     if (static_cast<std::size_t>(hand.end - hand.next) < piece + WIDE) takeSlab();
@@ -98,7 +119,7 @@ void* NodeMemory::allocate(std::size_t size) {
     return start + PREFIX;
 }
 
-void NodeMemory::release(void* object, std::size_t size) noexcept {
+void SlabMemory::release(void* object, std::size_t size) noexcept {
     if (!usesSlab(size)) {
         ::operator delete(object);
         return;
@@ -106,7 +127,12 @@ void NodeMemory::release(void* object, std::size_t size) noexcept {
     std::byte* const start = static_cast<std::byte*>(object) - PREFIX;
     const std::uint32_t distance = *std::launder(reinterpret_cast<std::uint32_t*>(start));
     Slab* const slab = std::launder(reinterpret_cast<Slab*>(start - distance));
-    if (slab->live.fetch_sub(1, std::memory_order_acq_rel) == 1) ::operator delete(slab);
+    if (slab != hand.returning) {
+        flushReturned();
+        atThreadEnd();
+        hand.returning = slab;
+    }
+    ++hand.returned;
 }
 
 }  // namespace RynCommon

@@ -13,8 +13,11 @@ if [[ ${1:-} == --quick ]]; then
 fi
 configure_preset release -B build/bench/cmake -DRYNCOMMON_BENCH=ON -DRYNCOMMON_TESTS=OFF -DRYNCOMMON_EXAMPLES=OFF
 cmake --build "$ROOT/build/bench/cmake" --target microbench >&2
+results=$ROOT/build/bench/results
+mkdir -p "$results"
 for program in "$ROOT"/build/bench/cmake/bench/micro/*bench; do
     if [[ ! -x $program || -d $program ]]; then continue; fi
     say "== ${program##*/}"
-    "$program" "${options[@]}" --benchmark_report_aggregates_only=true --benchmark_enable_random_interleaving=true "$@"
+    "$program" "${options[@]}" --benchmark_report_aggregates_only=true --benchmark_enable_random_interleaving=true \
+        --benchmark_out="$results/${program##*/}.json" --benchmark_out_format=json "$@"
 done

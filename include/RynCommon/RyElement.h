@@ -48,6 +48,7 @@ public:
 
 protected:
     friend class RyDocument;
+    friend class PlainTree;
     RyAttr(RyDocument* owner, RyName uri, RyName prefix, RyName local);
 
 private:
@@ -152,6 +153,7 @@ public:
 protected:
     friend class RyDocument;
     friend class NodeCloner;
+    friend class PlainTree;
     RyElement(RyDocument* owner, RyName uri, RyName prefix, RyName local);
 
 private:

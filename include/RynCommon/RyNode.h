@@ -191,6 +191,7 @@ protected:
 
 private:
     friend class NodeLinks;
+    friend class PlainTree;
 
     RyDocument* factory() const;
     void checkNewChild(const RyNode* newChild, int location) const;

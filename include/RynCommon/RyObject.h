@@ -44,13 +44,20 @@ public:
 
     /// Drops a reference and deletes the object when none is left; returns the new count.
     int release() const {
-        const int count = refCount_.fetch_sub(1, std::memory_order_acq_rel) - 1;
+        const int count = removeRef();
         if (count < 1) destroy();
         return count;
     }
 
     /// Drops a reference without ever deleting; returns the new count.
-    int removeRef() const { return refCount_.fetch_sub(1, std::memory_order_acq_rel) - 1; }
+    int removeRef() const {
+        // Whoever holds the only reference is alone with the object and needs no atomic step.
+        if (refCount_.load(std::memory_order_acquire) == 1) {
+            refCount_.store(0, std::memory_order_relaxed);
+            return 0;
+        }
+        return refCount_.fetch_sub(1, std::memory_order_acq_rel) - 1;
+    }
 
     int getRefCount() const { return refCount_.load(std::memory_order_relaxed); }
 
@@ -63,8 +70,10 @@ protected:
     RyRCObject(const RyRCObject& other) : RyObjectBase(other) {}
     RyRCObject& operator=(const RyRCObject&) { return *this; }
 
+    /// For owners with exclusive access: sets the count.
+    void setRefCount(int count) { refCount_.store(count, std::memory_order_relaxed); }
     /// For owners with exclusive access: sets the count to 0.
-    void clearRefCount() { refCount_.store(0, std::memory_order_relaxed); }
+    void clearRefCount() { setRefCount(0); }
     /// For owners with exclusive access: a decrement that is not atomic; returns the new count.
     int decrementRefCount();
 

@@ -36,6 +36,7 @@ public:
 
 protected:
     friend class RyDocument;
+    friend class PlainTree;
     RyTextNode(RyDocument* owner, const UnicodeString& data) : RyNode(owner), data_(data) {}
 
 private:

@@ -13,7 +13,8 @@ namespace RynCommon {
 /// alone.
 struct RyXmlLimits {
     /// Entity expansion, in characters, may exceed `expansionThreshold` only up to
-    /// `expansionFactor` times the characters read from the input.
+    /// `expansionFactor` times the characters read from the input. An attribute that comes from
+    /// its declaration counts 64 besides its value.
     std::uint64_t expansionThreshold = 8'000'000;
     std::uint32_t expansionFactor = 100;
     /// Entities and external inputs open within one another.

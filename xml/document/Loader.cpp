@@ -3,6 +3,7 @@
 
 #include "core/ErrorLocations.h"
 #include "xml/document/DocumentRep.h"
+#include "xml/tree/PlainTree.h"
 
 namespace RynCommon {
 
@@ -109,6 +110,7 @@ void Loader::begin(RyNode& target) {
     if (parser_ != nullptr && parser_ != parser) dropText();
     parser_ = parser;
     open_.push_back(&target);
+    plain_ = PlainTree::isPlain(document_, target);
     if (&target != &document_) target.addRef();
     target.setFlag(RyNode::FLAG_LOADING, true);
     target.setFlag(RyNode::FLAG_LOADED, false);
@@ -129,7 +131,8 @@ RyNode* Loader::takeEvent() {
             endElement();
             break;
         case RyXmlParser::TEXT:
-            added = open_.back()->appendChildText(parser_->getText());
+            added = plain_ ? PlainTree::appendText(document_, *open_.back(), parser_->getText())
+                           : open_.back()->appendChildText(parser_->getText());
             break;
         case RyXmlParser::END_DOCUMENT:
             end(Ending::COMPLETE);
@@ -158,10 +161,29 @@ RyXmlParser::EventType Loader::nextEvent() {
 }
 
 RyNode* Loader::startElement() {
+    return plain_ ? startPlainElement() : startAnyElement();
+}
+
+RyNode* Loader::startPlainElement() {
+    RyPtr<RyElement> element = PlainTree::makeElement(document_, parser_->getNamespace(),
+                                                      parser_->getPrefix(), parser_->getName());
+    fillElement(*element, PlainTree::setAttribute);
+    PlainTree::append(*open_.back(), *element);
+    open_.push_back(element);
+    return element.detach();
+}
+
+RyNode* Loader::startAnyElement() {
     RyPtr<RyElement> element = document_.createElementNS(parser_->getNamespace(),
                                                          parser_->getPrefix(), parser_->getName());
     RyElement* const node = element;
-    if (node != nullptr) fillElement(*node);
+    if (node != nullptr) {
+        fillElement(*node, [](RyElement& to, RyName uri, RyName prefix, RyName local,
+                              const UnicodeString& value) {
+            to.setAttributeEx(uri, prefix, local, value);
+        });
+        node->finishAttributes();
+    }
     if (node == nullptr || open_.back()->appendChildEx(node) != node) {
         if (node != nullptr) node->setFlag(RyNode::FLAG_LOADING, false);
         skipDepth_ = parser_->getDepth();
@@ -173,17 +195,17 @@ RyNode* Loader::startElement() {
     return node;
 }
 
-void Loader::fillElement(RyElement& element) const {
+template <class SetAttribute>
+void Loader::fillElement(RyElement& element, SetAttribute setAttribute) const {
     const RyXmlParser& parser = *parser_;
     element.setFlag(RyNode::FLAG_LOADING, true);
     element.setSourceLineNumber(parser.getLineNumber());
     element.setSourceColumnNumber(parser.getColumnNumber());
     const int count = parser.getAttributeCount();
     for (int i = 0; i < count; ++i) {
-        element.setAttributeEx(parser.getAttributeNamespace(i), parser.getAttributePrefix(i),
-                               parser.getAttributeName(i), parser.getAttributeValue(i));
+        setAttribute(element, parser.getAttributeNamespace(i), parser.getAttributePrefix(i),
+                     parser.getAttributeName(i), parser.getAttributeValue(i));
     }
-    element.finishAttributes();
 }
 
 void Loader::endElement() {

@@ -60,7 +60,10 @@ private:
     RyNode* takeEvent();
     RyXmlParser::EventType nextEvent();
     RyNode* startElement();
-    void fillElement(RyElement& element) const;
+    RyNode* startPlainElement();
+    RyNode* startAnyElement();
+    template <class SetAttribute>
+    void fillElement(RyElement& element, SetAttribute setAttribute) const;
     void endElement();
 
     enum class Ending { COMPLETE, STOPPED };
@@ -76,6 +79,7 @@ private:
     std::vector<RyNode*> open_;          // outermost first; empty when nothing is loading
     int skipDepth_ = 0;                  // of the element whose content is discarded, or 0
     bool standsAtEvent_ = false;         // the parser's present event has still to be taken
+    bool plain_ = false;                 // the short way serves, see PlainTree
     bool reading_ = false;
     bool stop_ = false;  // asked for while reading
 };

@@ -25,11 +25,13 @@ ParsedAttribute& AttributeList::add(RyName prefix, RyName local) {
 }
 
 void AttributeList::ownValues() {
-    for (std::size_t i = 0; i < count_; ++i) {
+    for (std::size_t i = owned_; i < count_; ++i) {
         UnicodeString& value = slots_[i].value;
         // Copying a read-only alias copies its units.
         value = UnicodeString(value);
     }
+    // The last one may still be without its value.
+    owned_ = count_ > 0 ? count_ - 1 : 0;
 }
 
 const ParsedAttribute* AttributeList::find(RyName ns, RyName local) const {

@@ -25,17 +25,21 @@ struct ParsedAttribute {
 /// The attributes of one start tag in document order. Slots are kept from tag to tag.
 class AttributeList {
 public:
-    void clear() { count_ = 0; }
+    void clear() { count_ = owned_ = 0; }
     std::size_t size() const { return count_; }
     ParsedAttribute& operator[](std::size_t index) { return slots_[index]; }
     const ParsedAttribute& operator[](std::size_t index) const { return slots_[index]; }
 
     /// A further attribute; its value is left over from another tag.
     ParsedAttribute& add(RyName prefix, RyName local);
-    /// Makes all values copies that point into no window.
+    /// Makes all values copies that point into no window. What was copied before is left alone, so
+    /// that a tag over many windows stays linear.
     void ownValues();
     /// Takes the last one back.
-    void removeLast() { --count_; }
+    void removeLast() {
+        --count_;
+        if (owned_ > count_) owned_ = count_;
+    }
 
     /// First attribute with that namespace and local name, or null.
     const ParsedAttribute* find(RyName ns, RyName local) const;
@@ -63,6 +67,7 @@ private:
 
     std::vector<ParsedAttribute> slots_;
     std::size_t count_ = 0;
+    std::size_t owned_ = 0;  // values before this one are copies
     std::vector<std::uint64_t> seen_;  // open addressing over (namespace, local name); 0: free
 };
 

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <vector>
 
 #include <RynCommon/RyName.h>
@@ -21,7 +22,7 @@ public:
     struct Element {
         const CachedName* name = nullptr;
         RyName ns;
-        std::size_t firstBinding = 0;
+        std::uint32_t firstBinding = 0;
     };
 
     NamespaceManager();
@@ -30,7 +31,9 @@ public:
     void reset();
 
     /// Opens an element; bind() then declares on it.
-    void push(const CachedName& name) { elements_.push_back({&name, RyName(), bindings_.size()}); }
+    void push(const CachedName& name) {
+        elements_.push_back({&name, RyName(), static_cast<std::uint32_t>(bindings_.size())});
+    }
     /// Closes the innermost element.
     void pop() {
         const std::size_t first = elements_.back().firstBinding;
@@ -74,7 +77,7 @@ private:
     void unbindFrom(std::size_t first);
     void grow();
 
-    std::vector<Element> elements_;
+    std::deque<Element> elements_;  // grows without a copy: a byte of input may open an element
     std::vector<Binding> bindings_;
     std::vector<Slot>
         slots_;  // prefixes other than the empty one; open addressing, never removed from

@@ -6,6 +6,10 @@ namespace RynCommon {
 
 namespace {
 
+/// What an added attribute counts in characters of expansion: a few bytes of a tag may call for a
+/// thousand of them.
+constexpr std::int32_t DEFAULT_ATTRIBUTE_COST = 64;
+
 constexpr CachedName NO_NAME{u"", 0, RyName(), RyName()};
 
 bool isSpaceAt(Scanner& scanner) {
@@ -146,7 +150,7 @@ void XmlParserImpl::applyDefaults(const CachedName& element) {
 }
 
 void XmlParserImpl::addDefault(const AttributeDeclaration& declaration) {
-    core_.countExpansion(declaration.defaultValue.length());
+    core_.countExpansion(declaration.defaultValue.length() + DEFAULT_ATTRIBUTE_COST);
     ParsedAttribute& attribute = attributes_.add(declaration.prefix, declaration.local);
     attribute.value = declaration.defaultValue;
     if (!declaration.prefix.isEmpty()) hasPrefixedAttribute_ = true;

@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "xml/tree/NodeMemory.h"
+#include "core/SlabMemory.h"
 
 namespace RynCommon {
 
@@ -18,9 +18,9 @@ class AttrNodeMap final : public RyNamedNodeMap {
 public:
     explicit AttrNodeMap(RyElement* element) : element_(element) {}
     ~AttrNodeMap() override;
-    static void* operator new(std::size_t size) { return NodeMemory::allocate(size); }
+    static void* operator new(std::size_t size) { return SlabMemory::allocate(size); }
     static void operator delete(void* map, std::size_t size) noexcept {
-        NodeMemory::release(map, size);
+        SlabMemory::release(map, size);
     }
     AttrNodeMap(const AttrNodeMap&) = delete;
     AttrNodeMap& operator=(const AttrNodeMap&) = delete;

@@ -9,7 +9,7 @@
 #include "core/ErrorLocations.h"
 #include "xml/document/Loader.h"
 #include "xml/tree/NodeLinks.h"
-#include "xml/tree/NodeMemory.h"
+#include "core/SlabMemory.h"
 
 namespace RynCommon {
 
@@ -41,11 +41,11 @@ RyNode::~RyNode() {
 }
 
 void* RyNode::operator new(std::size_t size) {
-    return NodeMemory::allocate(size);
+    return SlabMemory::allocate(size);
 }
 
 void RyNode::operator delete(void* node, std::size_t size) noexcept {
-    NodeMemory::release(node, size);
+    SlabMemory::release(node, size);
 }
 
 unsigned int RyNode::getTypeID() const {

@@ -1,4 +1,4 @@
-// The memory of nodes: alignment, reuse, and nodes that pass between threads.
+// The slabs of nodes: alignment, reuse, and nodes that pass between threads.
 #include <cstdint>
 #include <random>
 #include <thread>
@@ -34,7 +34,7 @@ int countUnsound(RyDocument* document, std::vector<RyPtr<RyNode>>& nodes) {
     return element->isSound() ? 0 : 1;
 }
 
-TEST(NodeMemory, ClassesOfAllSizesGetTheirRoomAndAlignment) {
+TEST(SlabMemory, ClassesOfAllSizesGetTheirRoomAndAlignment) {
     const RyPtr<RyDocument> document = new RyDocument;
     std::mt19937 random(99);
     std::vector<RyPtr<RyNode>> nodes;
@@ -56,7 +56,7 @@ TEST(NodeMemory, ClassesOfAllSizesGetTheirRoomAndAlignment) {
     EXPECT_EQ(unsound, 0) << "after others have gone";
 }
 
-TEST(NodeMemory, NodesMayDieInOtherThreadsAndOutliveTheirOwn) {
+TEST(SlabMemory, NodesMayDieInOtherThreadsAndOutliveTheirOwn) {
     constexpr int THREADS = 3;
     constexpr int COUNT = 3'000;
     const RyPtr<RyDocument> document = new RyDocument;
