@@ -1,0 +1,181 @@
+// Archives that are cut, wrong, or made to do harm.
+#include <RynCommon/RyZipFile.h>
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <stdexcept>
+#include <string>
+
+#include "ZipReading.h"
+#include "tests/streams/ByteSources.h"
+#include "tests/streams/DeflateData.h"
+
+namespace RynCommon {
+namespace {
+
+std::string makeSmallZip() {
+    return makeZip({{"a.xml", makeText(200)}, {"b", "stored", 0}, {"c", makeText(90), 8}});
+}
+
+/// Reads everything every way; the sizes may not exceed what the archive can hold.
+void readEverything(const std::string& archive) {
+    for (const bool fromDirectory : {false, true}) {
+        for (const bool verify : {false, true}) {
+            const RyZipFile zip = openZip(archive, fromDirectory, verify);
+            ASSERT_LE(zip.getFileEntryCount(), archive.size() / 30 + 1);
+            for (unsigned i = 0; i < zip.getFileEntryCount(); ++i) {
+                RyZipFileEntry* const entry = zip.getFileEntry(i);
+                ASSERT_LE(readRest(*entry->getCompressedStream(false)).size(), archive.size());
+                readRest(*entry->getUncompressedStream(false));
+                ASSERT_NE(zip.getFileEntry(entry->getFileName()), nullptr);
+            }
+        }
+    }
+}
+
+TEST(ZipDamageTest, ACutArchiveHoldsWhatIsWholeOfIt) {
+    const std::string archive = makeSmallZip();
+    const Members whole = readMembers(openZip(archive));
+    for (std::size_t size = 0; size < archive.size(); ++size) {
+        const std::string cut = archive.substr(0, size);
+        readEverything(cut);
+        const Members members = readMembers(openZip(cut));
+        ASSERT_LE(members.size(), whole.size()) << size;
+        for (std::size_t i = 0; i + 1 < members.size(); ++i)
+            ASSERT_EQ(members[i], whole[i]) << size;
+        if (members.empty()) continue;
+        const std::string& last = members.back();
+        const std::string& expected = whole[members.size() - 1];
+        // The name may be cut as well; it is followed by "=" and the data.
+        ASSERT_TRUE(expected.starts_with(last) ||
+                    expected.starts_with(last.substr(0, last.size() - 1)))
+            << size << ": " << last;
+    }
+}
+
+TEST(ZipDamageTest, AWrongByteStaysWhereItIs) {
+    const std::string archive = makeSmallZip();
+    for (std::size_t at = 0; at < archive.size(); ++at) {
+        for (const int bits : {0x01, 0x80, 0xFF}) {
+            std::string damaged = archive;
+            damaged[at] = static_cast<char>(damaged[at] ^ bits);
+            readEverything(damaged);
+        }
+    }
+}
+
+/// Every 16-bit, 32-bit and 64-bit field at every place, so also every length, at its extremes.
+TEST(ZipDamageTest, FieldsAtTheirExtremes) {
+    const std::string archive = makeZip(
+        {{.name = "a", .data = makeText(100), .zip64 = true}, {"b", "stored", 0}}, {.zip64 = true});
+    for (const std::size_t width : {2, 4, 8}) {
+        for (const std::string& value :
+             {std::string(width, '\0'), "\x01" + std::string(width - 1, '\0'),
+              std::string(width, '\xFF'), std::string(width - 1, '\xFF') + "\x7F"}) {
+            for (std::size_t at = 0; at + width <= archive.size(); ++at) {
+                std::string damaged = archive;
+                damaged.replace(at, width, value);
+                readEverything(damaged);
+            }
+        }
+    }
+}
+
+TEST(ZipDamageTest, ATruncatedHeaderHasZeroFields) {
+    const std::string archive = makeZip({{"name", "data", 0}});
+    for (std::size_t size = 4; size < 30; ++size) {
+        const RyZipFile zip = openZip(archive.substr(0, size));
+        ASSERT_EQ(zip.getFileEntryCount(), 1u) << size;
+        const RyZipFileEntry& entry = *zip.getFileEntry(0);
+        EXPECT_EQ(entry.getCompressedSize(), size < 22 ? 0u : 4u) << size;
+        EXPECT_EQ(entry.getUncompressedSize(), size < 26 ? 0u : 4u) << size;
+        EXPECT_TRUE(entry.getFileName().isEmpty()) << size;
+    }
+}
+
+/// Sizes beyond the stream's end give what is there, and nothing is allocated for the rest.
+TEST(ZipDamageTest, SizesBeyondTheEndGiveWhatIsThere) {
+    const std::string archive =
+        makeZip({{.name = "a", .data = "data", .method = 0, .compressedSize = 0xFFFFFFFF}});
+    const RyZipFile zip = openZip(archive);
+    EXPECT_EQ(zip.getFileEntry(0)->getCompressedSize(), 0xFFFFFFFFu);
+    EXPECT_EQ(readMembers(zip), Members{"a=" + archive.substr(31)});
+
+    std::string large = makeZip({{.name = "a", .data = "data", .method = 0, .zip64 = true}});
+    const std::size_t field = large.rfind(std::string("\x01\0\x18\0\x04", 5));
+    ASSERT_NE(field, std::string::npos);
+    large.replace(field + 12, 8, std::string(7, '\xFF') + "\x7F");
+    const RyZipFile zip64 = openZip(large, true);
+    EXPECT_EQ(zip64.getFileEntry(0)->getCompressedSize(), 0x7FFFFFFFFFFFFFFFu);
+    EXPECT_EQ(readMembers(zip64).at(0).substr(0, 6), "a=data");
+}
+
+/// A thousand members that all lie in the same place cost their own sizes and no more.
+TEST(ZipDamageTest, OverlappingMembersAreReadByThemselves) {
+    const std::string text = makeText(1'000);
+    std::vector<ZipMember> members{{"0", text}};
+    for (int i = 1; i < 1'000; ++i) {
+        ZipMember member{.name = std::to_string(i), .data = text, .offset = 0, .raw = ""};
+        member.compressedSize = static_cast<std::uint32_t>(deflateData(text).size());
+        members.push_back(member);
+    }
+    const RyZipFile zip = openZip(makeZip(members), true);
+    ASSERT_EQ(zip.getFileEntryCount(), 1'000u);
+    for (unsigned i = 0; i < 1'000; ++i) {
+        ASSERT_EQ(readRest(*zip.getFileEntry(i)->getUncompressedStream(false)), text) << i;
+    }
+}
+
+TEST(ZipDamageTest, CommentsMadeOfEndRecordsAreGivenUpSoon) {
+    std::string comment;
+    while (comment.size() < 65'000) comment += "PK\x05\x06";
+    const std::string archive = makeZip({{"a", "1"}}, {.comment = comment});
+    EXPECT_LE(openZip(archive, true).getFileEntryCount(), 1u);
+}
+
+TEST(ZipDamageTest, StreamsThatCannotSeekHaveNoMembers) {
+    ChunkSource chunks(makeSmallZip(), 100);
+    std::istream in(&chunks);
+    EXPECT_FALSE(RyZipFile::isZipFile(&in));
+    EXPECT_EQ(RyZipFile(&in, false).getFileEntryCount(), 0u);
+    EXPECT_EQ(in.get(), 'P') << "bytes were taken that cannot be put back";
+    std::istream none(nullptr);
+    EXPECT_EQ(RyZipFile(&none, false).getFileEntryCount(), 0u);
+    EXPECT_FALSE(RyZipFile::isZipFile(&none));
+}
+
+/// Throws when more than the first bytes are read, as a broken disk does.
+class BreakingBuf : public std::stringbuf {
+public:
+    BreakingBuf(const std::string& bytes, std::streamoff good)
+        : std::stringbuf(bytes), good_(good) {}
+
+protected:
+    std::streamsize xsgetn(char* target, std::streamsize count) override {
+        const std::streamoff here = seekoff(0, std::ios::cur, std::ios::in);
+        if (here + count > good_) throw std::runtime_error("read");
+        return std::stringbuf::xsgetn(target, count);
+    }
+
+private:
+    std::streamoff good_;
+};
+
+TEST(ZipDamageTest, ReadErrorsEndTheData) {
+    const std::string archive = makeSmallZip();
+    for (const bool fromDirectory : {false, true}) {
+        for (std::size_t good = 0; good < archive.size() + 10; good += 7) {
+            BreakingBuf buffer(archive, static_cast<std::streamoff>(good));
+            std::istream in(&buffer);
+            in.exceptions(std::ios::badbit | std::ios::failbit);
+            RyZipFile zip;
+            zip.setUseCentralDirectory(fromDirectory);
+            EXPECT_NO_THROW(zip.open(&in, false));
+            EXPECT_NO_THROW(readMembers(zip));
+        }
+    }
+}
+
+}  // namespace
+}  // namespace RynCommon
