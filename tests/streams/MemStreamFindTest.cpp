@@ -1,0 +1,90 @@
+// The search kernels against the standard library's search.
+#include "streams/MemStreamFind.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+
+namespace RynCommon {
+namespace {
+
+/// Bytes in a block of exactly their size, so that a sanitizer sees a read past either end.
+class Exact {
+public:
+    explicit Exact(std::string_view text)
+        : block_(std::make_unique<char[]>(text.size())), size_(text.size()) {
+        std::copy(text.begin(), text.end(), block_.get());
+    }
+    std::string_view get() const { return {block_.get(), size_}; }
+
+private:
+    std::unique_ptr<char[]> block_;
+    std::size_t size_;
+};
+
+TEST(MemStreamFindTest, FindsAtEveryPlaceInTextsOfEveryLength) {
+    const std::string pattern = "pattern of some forty bytes, more or less";
+    for (const std::size_t length : {1U, 2U, 3U, 8U, 33U, 41U}) {
+        const std::string wanted = pattern.substr(0, length);
+        for (std::size_t size = 0; size < 140; ++size) {
+            EXPECT_EQ(BytePattern(wanted).find(Exact(std::string(size, '-')).get()),
+                      BytePattern::NOT_FOUND);
+            for (std::size_t at = 0; at + length <= size; ++at) {
+                std::string text(size, '-');
+                // What comes before has the ends of the pattern and not its middle.
+                if (length > 2 && at >= length) {
+                    text[at - length] = wanted.front();
+                    text[at - 1] = wanted.back();
+                }
+                text.replace(at, length, wanted);
+                ASSERT_EQ(BytePattern(wanted).find(Exact(text).get()), at)
+                    << "length " << length << ", size " << size;
+            }
+        }
+    }
+}
+
+/// Texts full of near misses use up the credit; what is found must not depend on that.
+TEST(MemStreamFindTest, NearMissesChangeNothing) {
+    const struct {
+        const char* what;
+        std::string text;
+        std::string pattern;
+    } rows[] = {
+        {"absent", std::string(100'000, 'a'), std::string(500, 'a') + "b" + std::string(500, 'a')},
+        {"at the end", std::string(99'000, 'a') + "b" + std::string(700, 'a'),
+         std::string(500, 'a') + "b" + std::string(500, 'a')},
+        {"at the start", std::string(600, 'a') + "b" + std::string(90'000, 'a'),
+         std::string(500, 'a') + "b" + std::string(500, 'a')},
+        {"short text", std::string(1200, 'a') + "b", std::string(900, 'a') + "b"},
+        {"runs only", std::string(5000, 'a'), std::string(5000, 'a')},
+    };
+    for (const auto& row : rows) {
+        const std::size_t expected = row.text.find(row.pattern);
+        BytePattern search(row.pattern);
+        // Again with what the first search left of the credit.
+        EXPECT_EQ(search.find(Exact(row.text).get()), expected) << row.what;
+        EXPECT_EQ(search.find(Exact(row.text).get()), expected) << row.what;
+    }
+}
+
+TEST(MemStreamFindTest, LineEndsAtEveryPlace) {
+    for (std::size_t size = 0; size < 100; ++size) {
+        const Exact none(std::string(size, '\x0B'));
+        EXPECT_EQ(findLineEnd(none.get().data(), none.get().data() + size),
+                  none.get().data() + size);
+        for (std::size_t at = 0; at < size; ++at) {
+            std::string text(size, '\x0C');
+            text[at] = at % 2 == 0 ? '\r' : '\n';
+            text.back() = '\n';
+            const Exact exact(text);
+            const char* const start = exact.get().data();
+            ASSERT_EQ(findLineEnd(start, start + size) - start, static_cast<std::ptrdiff_t>(at));
+        }
+    }
+}
+
+}  // namespace
+}  // namespace RynCommon

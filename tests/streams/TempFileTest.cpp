@@ -1,0 +1,345 @@
+// Temporary files: names, ownership, removal, inflation.
+#include <RynCommon/RyError.h>
+#include <RynCommon/RyString.h>
+#include <RynCommon/RyTempFile.h>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <zlib.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace RynCommon {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string utf8(const UnicodeString& text) {
+    std::string bytes;
+    text.toUTF8String(bytes);
+    return bytes;
+}
+
+bool exists(const UnicodeString& path) {
+    return fs::exists(fs::symlink_status(utf8(path)));
+}
+
+class TempFileTest : public testing::Test {
+protected:
+    explicit TempFileTest(const std::string& parent = testing::TempDir()) {
+        std::string pattern = parent + "ryn-temp-XXXXXX";
+        directory_ = std::string(mkdtemp(pattern.data())) + "/";
+    }
+    ~TempFileTest() override { fs::remove_all(directory_); }
+
+    RyCStr create(const char* prefix = nullptr, const char* suffix = nullptr) const {
+        return RyTempFile::getTempFile(directory_.c_str(), prefix, suffix);
+    }
+
+    std::string directory_;
+};
+
+std::string processPart() {
+    char text[32];
+    std::snprintf(text, sizeof text, "%03lx_", static_cast<unsigned long>(getpid()));
+    return text;
+}
+
+/// The counter in a name that ends with it.
+unsigned counterOf(const RyCStr& path) {
+    const std::string text = path.c_str();
+    return static_cast<unsigned>(std::stoul(text.substr(text.size() - 4), nullptr, 16));
+}
+
+std::string nameAfter(unsigned counter, unsigned steps) {
+    char text[8];
+    std::snprintf(text, sizeof text, "%04x", (counter + steps) & 0xFFFFu);
+    return processPart() + text;
+}
+
+TEST_F(TempFileTest, NamesAreMadeOfTheirParts) {
+    const RyCStr first = create("pdf");
+    const unsigned counter = counterOf(first);
+    EXPECT_EQ(std::string(first), directory_ + "pdf" + nameAfter(counter, 0));
+    struct stat status {};
+    ASSERT_EQ(stat(first, &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0600U);
+    EXPECT_EQ(status.st_size, 0);
+
+    const UnicodeString dir = UnicodeString::fromUTF8(directory_);
+    const UnicodeString& none = RyBogusString::BOGUS_VALUE;
+    const std::string temp = RyTempFile::getTempDirectory().c_str();
+    EXPECT_EQ(temp.back(), '/');
+    const struct {
+        const char* what;
+        RyCStr path;
+        std::string expected;
+    } rows[] = {
+        {"no suffix", create("p"), directory_ + "p" + nameAfter(counter, 1)},
+        {"suffix", create("p", ".x"), directory_ + "p" + nameAfter(counter, 2) + ".x"},
+        {"neither", create(), directory_ + nameAfter(counter, 3)},
+        {"texts", RyTempFile::getTempFile(dir, u"é", u".ü"),
+         directory_ + "é" + nameAfter(counter, 4) + ".ü"},
+        {"bogus parts", RyTempFile::getTempFile(dir, none, none),
+         directory_ + nameAfter(counter, 5)},
+        {"no directory", RyTempFile::getTempFile(nullptr, "p", nullptr),
+         temp + "p" + nameAfter(counter, 6)},
+        {"bogus directory", RyTempFile::getTempFile(none, u"p", u""),
+         temp + "p" + nameAfter(counter, 7)},
+        {"part of a name for a directory",
+         RyTempFile::getTempFile((directory_ + "tmp").c_str(), "x", nullptr),
+         directory_ + "tmpx" + nameAfter(counter, 8)},
+        {"empty directory",
+         RyTempFile::getTempFile(UnicodeString(), UnicodeString::fromUTF8(directory_ + "e"), none),
+         directory_ + "e" + nameAfter(counter, 9)},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(std::string(row.path), row.expected) << row.what;
+        EXPECT_TRUE(exists(row.path)) << row.what;
+        EXPECT_TRUE(RyTempFile::removeTempFile(row.path)) << row.what;
+    }
+}
+
+TEST_F(TempFileTest, TakenNamesAreLeftAlone) {
+    const unsigned counter = counterOf(create());
+    std::ofstream(directory_ + nameAfter(counter, 1)) << "kept";
+    fs::create_directory(directory_ + nameAfter(counter, 2));
+    fs::create_symlink(directory_ + "target", directory_ + nameAfter(counter, 3));
+    const RyCStr path = create();
+    EXPECT_EQ(std::string(path), directory_ + nameAfter(counter, 4));
+    EXPECT_EQ(fs::file_size(directory_ + nameAfter(counter, 1)), 4U);
+    EXPECT_FALSE(fs::exists(directory_ + "target"));
+}
+
+/// Expects the error of creating or removing `path`.
+template <class Action>
+void expectError(unsigned short code, const std::string& message, Action action) {
+    try {
+        action();
+        FAIL() << message;
+    } catch (const RyError& error) {
+        EXPECT_EQ(error.getErrorCode(), code);
+        EXPECT_EQ(utf8(error.getMessage()).substr(0, message.size()), message);
+        EXPECT_EQ(utf8(error.getSource()), "RynCommon::RyTempFile");
+    }
+}
+
+TEST_F(TempFileTest, TellsWhatCannotBeCreated) {
+    RyTempFile file(directory_.c_str(), "p", nullptr);
+    const RyCStr path = file.getFileName();
+    const std::string missing = directory_ + "missing/";
+    expectError(4110, "Cannot create temporary file: " + missing + "p" + processPart(),
+                [&] { file.setFileName(missing.c_str(), "p", nullptr); });
+    EXPECT_FALSE(exists(path));
+    EXPECT_FALSE(file.isTempFile());
+    try {
+        create("a/", ".x");
+        FAIL();
+    } catch (const RyError& error) {
+        EXPECT_TRUE(error.getMessage().endsWith(u".x (cannot create)\nNo such file or directory"));
+    }
+    EXPECT_THROW(RyTempFile(UnicodeString::fromUTF8(directory_), UnicodeString(u"\0", 1), u""),
+                 RyError);
+    EXPECT_TRUE(fs::is_empty(directory_));
+}
+
+/// 65,536 names take a disk much longer than memory.
+class CrowdedTempFileTest : public TempFileTest {
+protected:
+    CrowdedTempFileTest()
+        : TempFileTest(fs::is_directory("/dev/shm") ? "/dev/shm/" : testing::TempDir()) {}
+};
+
+TEST_F(CrowdedTempFileTest, GivesUpWhenAllNamesAreTaken) {
+    for (unsigned i = 0; i <= 0xFFFF; ++i)
+        ASSERT_EQ(symlink("nowhere", (directory_ + nameAfter(i, 0)).c_str()), 0);
+    expectError(4110, "Cannot create temporary file: " + directory_ + processPart(),
+                [&] { create(); });
+}
+
+TEST_F(TempFileTest, ObjectsOwnTheirFiles) {
+    RyCStr path;
+    {
+        const RyTempFile file(directory_.c_str(), "a", ".tmp");
+        path = file.getFileName();
+        EXPECT_TRUE(file.isTempFile());
+        EXPECT_TRUE(exists(path));
+    }
+    EXPECT_FALSE(exists(path));
+    {
+        RyTempFile file(UnicodeString::fromUTF8(directory_), u"b", u"");
+        path = file.releaseFileName();
+        EXPECT_FALSE(file.isTempFile());
+        EXPECT_TRUE(file.getFileName().isEmpty());
+    }
+    EXPECT_TRUE(exists(path));
+    {
+        RyTempFile file;
+        EXPECT_FALSE(file.isTempFile());
+        file.remove();
+        EXPECT_EQ(file.setFileName(path), path);
+        const RyCStr second = file.setFileName(directory_.c_str(), "c", nullptr);
+        EXPECT_FALSE(exists(path));
+        const RyTempFile copy(file);
+        EXPECT_EQ(copy.getFileName(), second);
+        file.remove();
+        EXPECT_FALSE(exists(second));
+        EXPECT_TRUE(file.isTempFile());
+        file.setFileName(static_cast<const char*>(nullptr));
+        EXPECT_FALSE(file.isTempFile());
+    }
+    EXPECT_TRUE(fs::is_empty(directory_));
+}
+
+TEST_F(TempFileTest, TellsWhatCannotBeRemoved) {
+    const std::string message = "Cannot remove temporary file: " + directory_ + ": ";
+    expectError(4109, message, [&] {
+        RyTempFile file;
+        file.setFileName(directory_.c_str());
+    });
+    RyTempFile file;
+    file.setFileName(directory_.c_str());
+    expectError(4109, message, [&] { file.remove(); });
+    expectError(4109, message, [&] { file.setFileName("other"); });
+    EXPECT_EQ(std::string(file.releaseFileName()), directory_);
+    EXPECT_FALSE(RyTempFile::removeTempFile(directory_.c_str()));
+    EXPECT_TRUE(RyTempFile::removeTempFile((directory_ + "missing").c_str()));
+    EXPECT_TRUE(fs::exists(directory_));
+    // A second exception would end the process.
+    EXPECT_THROW(
+        {
+            RyTempFile unwound;
+            unwound.setFileName(directory_.c_str());
+            throw std::runtime_error("first");
+        },
+        std::runtime_error);
+}
+
+TEST_F(TempFileTest, ThreadsNeverShareAName) {
+    constexpr int THREADS = 8;
+    constexpr int NAMES = 200;
+    std::vector<std::vector<std::string>> names(THREADS);
+    std::vector<std::thread> threads;
+    for (auto& mine : names) {
+        threads.emplace_back([this, &mine] {
+            for (int i = 0; i < NAMES; ++i) mine.emplace_back(create("t").c_str());
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    std::set<std::string> all;
+    for (const auto& mine : names) all.insert(mine.begin(), mine.end());
+    EXPECT_EQ(all.size(), static_cast<std::size_t>(THREADS * NAMES));
+    for (const std::string& name : all) EXPECT_TRUE(fs::exists(name)) << name;
+}
+
+/// Raw deflate data, or with another window size a zlib or gzip stream.
+std::vector<unsigned char> deflateBytes(const std::string& text, int windowBits = -15) {
+    z_stream zlib{};
+    deflateInit2(&zlib, 9, Z_DEFLATED, windowBits, 9, Z_DEFAULT_STRATEGY);
+    std::vector<unsigned char> bytes(deflateBound(&zlib, text.size()));
+    std::string input = text;
+    zlib.next_in = reinterpret_cast<unsigned char*>(input.data());
+    zlib.avail_in = static_cast<uInt>(input.size());
+    zlib.next_out = bytes.data();
+    zlib.avail_out = static_cast<uInt>(bytes.size());
+    EXPECT_EQ(deflate(&zlib, Z_FINISH), Z_STREAM_END);
+    bytes.resize(zlib.total_out);
+    deflateEnd(&zlib);
+    return bytes;
+}
+
+std::string makeText(std::size_t size) {
+    std::string text;
+    for (unsigned i = 0; text.size() < size; ++i) text += std::to_string(i * 2654435761u) + " text";
+    text.resize(size);
+    return text;
+}
+
+TEST_F(TempFileTest, InflatesRawData) {
+    const auto inflate = [](const std::vector<unsigned char>& data, std::string& text) {
+        std::ostringstream out;
+        const bool ended =
+            RyTempFile::inflate(out, data.data(), static_cast<unsigned int>(data.size()));
+        text = out.str();
+        return ended;
+    };
+    std::string back;
+    for (const std::size_t size : {0U, 1U, 4095U, 4096U, 4097U, 8192U, 100'000U}) {
+        const std::string text = makeText(size);
+        std::vector<unsigned char> data = deflateBytes(text);
+        EXPECT_TRUE(inflate(data, back)) << size;
+        EXPECT_EQ(back, text) << size;
+        data.push_back('x');
+        EXPECT_TRUE(inflate(data, back)) << size;
+        EXPECT_EQ(back, text) << size;
+    }
+    const std::string text = makeText(20'000);
+    EXPECT_FALSE(inflate(deflateBytes(text, 15), back));
+    EXPECT_FALSE(inflate(deflateBytes(text, 31), back));
+    EXPECT_FALSE(RyTempFile::inflate(std::cout, nullptr, 5));
+    const std::vector<unsigned char> whole = deflateBytes(text);
+    for (std::size_t size = 0; size < whole.size(); size += 1 + size / 100) {
+        EXPECT_FALSE(
+            inflate({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)}, back))
+            << size;
+        ASSERT_EQ(back, text.substr(0, back.size())) << size;
+    }
+    EXPECT_GT(back.size(), 18'000U);
+}
+
+TEST_F(TempFileTest, FailingOutputsEndTheInflation) {
+    const std::vector<unsigned char> data = deflateBytes(makeText(20'000));
+    const auto size = static_cast<unsigned int>(data.size());
+    std::ostringstream failed;
+    failed.setstate(std::ios_base::badbit);
+    EXPECT_FALSE(RyTempFile::inflate(failed, data.data(), size));
+    std::ostream throwing(nullptr);
+    throwing.clear(std::ios_base::goodbit | throwing.rdstate());
+    EXPECT_THROW(throwing.exceptions(std::ios_base::badbit), std::ios_base::failure);
+    EXPECT_FALSE(RyTempFile::inflate(throwing, data.data(), size));
+}
+
+TEST_F(TempFileTest, InflatesIntoItsFile) {
+    const std::string text = makeText(50'000);
+    const std::vector<unsigned char> data = deflateBytes(text);
+    const auto size = static_cast<unsigned int>(data.size());
+    const RyTempFile file(directory_.c_str(), "f", nullptr);
+    for (const std::string& content : {makeText(50'000), makeText(7)}) {
+        const std::vector<unsigned char> bytes = deflateBytes(content);
+        EXPECT_TRUE(file.inflate(bytes.data(), static_cast<unsigned int>(bytes.size())));
+        std::ifstream in(file.getFileName().c_str(), std::ios_base::binary);
+        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), content);
+    }
+    EXPECT_FALSE(file.inflate(data.data(), size / 2));
+    EXPECT_FALSE(RyTempFile().inflate(data.data(), size));
+    RyTempFile other;
+    other.setFileName((directory_ + "missing/file").c_str());
+    EXPECT_FALSE(other.inflate(data.data(), size));
+}
+
+TEST(CStrTest, NarrowFormIsUtf8) {
+    RyCStr text(UnicodeString(u"aé漢\U0001F600"));
+    EXPECT_STREQ(text, "aé漢😀");
+    const RyCStr copy = text;
+    text.append(u'b');
+    EXPECT_STREQ(text, "aé漢😀b");
+    EXPECT_STREQ(copy, "aé漢😀");
+    text = copy;
+    EXPECT_STREQ(text.c_str(), "aé漢😀");
+    EXPECT_STREQ(RyCStr(), "");
+    EXPECT_STREQ(RyCStr(RyBogusString::BOGUS_VALUE), "");
+}
+
+}  // namespace
+}  // namespace RynCommon
