@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the example program in Release and looks at documents with it: the samples and a generated document
-# of 50 MB, or the files and URIs given.
+# Builds the example program in Release and looks at documents with it: the samples (XML, an office package, a
+# compound file) and a generated document of 50 MB, or the files and URIs given.
 #   scripts/demo.sh [FILE-OR-URI...]
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
@@ -35,5 +35,10 @@ for file in *.fo *.svg *.xml; do
     esac
 done
 "$examples/ryn-inspect" "${samples[@]}" "$large"
+say "== an office package, a part of it, and a compound file"
+"$examples/ryn-inspect" leaflet.docx "jar:file://$PWD/leaflet.docx!/word/document.xml" index-cards.cfb
+say "== one stream of it, copied out"
+"$examples/ryn-inspect" --extract Cards/A4/Width "$ROOT/build/demo/width.txt" index-cards.cfb
+cat "$ROOT/build/demo/width.txt" && echo
 say "== attribute values of paper-sizes.fo as property values"
 grep -o '="[^"]*"' paper-sizes.fo | sed 's/^="//; s/"$//' | sort -u | "$examples/ryn-values"

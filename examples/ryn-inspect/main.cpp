@@ -1,7 +1,8 @@
-// ryn-inspect: loads documents lazily, says what is in them, and proves that saving loses nothing.
+// ryn-inspect: tells what files and URIs hold, and looks into them.
 #include <cstdio>
-#include <cstring>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Inspection.h"
@@ -10,23 +11,38 @@ namespace {
 
 constexpr char USAGE[] =
     "Usage: ryn-inspect [OPTION | FILE | URI]...\n"
-    "Loads each XML document lazily and prints its encoding, its root element, the time until the\n"
-    "first element was there and until all was loaded, and counts of what is in it. Then saves "
-    "the\n"
-    "tree, loads the result again and says whether both trees are equal. Of a broken document it\n"
-    "prints the error and goes on with the next.\n"
+    "Tells by its content what each file or URI (file:, http:, https:, data:, jar:) holds, and\n"
+    "looks into it:\n"
     "\n"
-    "  --broken FILE    a document that is expected to be broken\n"
-    "  --default-form   save in the library's default form, which is not for other XML readers,\n"
+    "  XML              loads it lazily and prints encoding, root element, the time until the "
+    "first\n"
+    "                   element was there and until all was loaded, and counts of what is in it;\n"
+    "                   saves the tree, loads the result again and says whether both are equal\n"
+    "  gzip             looks into what it holds\n"
+    "  zip              lists the members; of an office package also its class, main part,\n"
+    "                   content types, relationships and application version\n"
+    "  compound files   print class, version, sectors, storages and streams, properties and links\n"
+    "\n"
+    "What is broken gets its error printed, and the next one follows.\n"
+    "\n"
+    "  --broken FILE    something that is expected to be broken\n"
+    "  --extract MEMBER OUT\n"
+    "                   copy one member of the next archive or compound file, by the name (or "
+    "the\n"
+    "                   names with \"/\" between them) that the list shows, into the file OUT\n"
+    "  --default-form   save XML in the library's default form, which is not for other XML "
+    "readers,\n"
     "                   instead of the conformant one\n"
     "  --help           this text\n"
     "\n"
-    "Exit status: 0 when every document is as expected, 1 when one is not, 2 for a wrong command "
+    "Exit status: 0 when everything is as expected, 1 when something is not, 2 for a wrong "
+    "command\n"
     "line.\n";
 
 struct Document {
     std::string name;
     bool broken = false;
+    std::optional<Extraction> extraction;
 };
 
 struct CommandLine {
@@ -39,22 +55,29 @@ struct CommandLine {
 CommandLine parse(const std::vector<std::string>& arguments) {
     CommandLine line;
     bool onlyNames = false;
+    std::optional<Extraction> extraction;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
+        const std::size_t left = arguments.size() - i - 1;
         if (onlyNames || argument.empty() || argument[0] != '-') {
-            line.documents.push_back({argument});
+            line.documents.push_back({argument, false, std::exchange(extraction, std::nullopt)});
         } else if (argument == "--") {
             onlyNames = true;
         } else if (argument == "--help" || argument == "-h") {
             line.help = true;
         } else if (argument == "--default-form") {
             line.options.defaultForm = true;
-        } else if (argument == "--broken" && i + 1 < arguments.size()) {
-            line.documents.push_back({arguments[++i], true});
+        } else if (argument == "--broken" && left >= 1) {
+            line.documents.push_back(
+                {arguments[++i], true, std::exchange(extraction, std::nullopt)});
+        } else if (argument == "--extract" && left >= 3) {
+            extraction = Extraction{arguments[i + 1], arguments[i + 2]};
+            i += 2;
         } else {
             line.mistake = argument;
         }
     }
+    if (extraction) line.mistake = "--extract";
     return line;
 }
 
@@ -63,7 +86,8 @@ int inspectAll(const CommandLine& line) {
     int surprises = 0;
     for (const Document& document : line.documents) {
         if (&document != &line.documents.front()) std::puts("");
-        const bool good = inspect(document.name, line.options);
+        const bool good = inspect(document.name, line.options,
+                                  document.extraction ? &*document.extraction : nullptr);
         if (document.broken)
             std::printf("  %-15s %s\n", "expected", good ? "an error, but there is none" : "yes");
         if (good == document.broken) ++surprises;

@@ -1,0 +1,10 @@
+// A compound file: its measures, its storages and streams, its properties.
+#pragma once
+
+#include <istream>
+
+#include "Inspection.h"
+
+/// `in` can seek. False when the file is damaged.
+bool reportCompoundFile(std::istream& in);
+bool extractStream(std::istream& in, const Extraction& extraction);

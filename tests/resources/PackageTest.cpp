@@ -1,0 +1,274 @@
+// Packages: content types, relationships, the main part, the application's version.
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+#include "tests/resources/PackageWriter.h"
+
+namespace RynCommon {
+namespace {
+
+UnicodeString u(const std::string& text) {
+    return UnicodeString::fromUTF8(text);
+}
+
+std::string s(const UnicodeString& text) {
+    std::string bytes;
+    return text.toUTF8String(bytes);
+}
+
+std::string typeOf(PackageInMemory& package, const std::string& name) {
+    return s(package->getContentType(package.part(name)));
+}
+
+TEST(PackageTest, ContentTypes) {
+    PackageInMemory package({
+        {"word/document.xml", ""},
+        {"word/other.xml", ""},
+        {"word/LOUD.XML", ""},
+        {"word/image.tar.gz", ""},
+        {"a.dir/plain", ""},
+        {"ends.", ""},
+        {"caf\xC3\xA9.txt", ""},
+        {"/slash.xml", ""},
+        {"empty.xml", ""},
+        {"nested.png", ""},
+        {"strange.png", ""},
+        {CONTENT_TYPES,
+         typesXml("<Override PartName='/word/document.xml' ContentType='main'/>"
+                  "<Default Extension='xml' ContentType='text'/>"
+                  "<Default Extension='xml' ContentType='second'/>"
+                  "<Default Extension='gz' ContentType='zipped'/>"
+                  "<Default Extension='dir/plain' ContentType='of a name with a slash'/>"
+                  "<Default Extension='' ContentType='dot'/>"
+                  "<Override PartName='/word/document.xml' ContentType='second'/>"
+                  "<Override PartName='/caf%C3%A9.txt' ContentType='escaped'/>"
+                  "<Override PartName='//slash.xml' ContentType='one slash is taken'/>"
+                  "<Override PartName='/empty.xml' ContentType=''/>"
+                  "<Override PartName='/missing.xml' ContentType='x'/>"
+                  "<x><Override PartName='/nested.png' ContentType='x'/></x>"
+                  "<Override xmlns='urn:x' PartName='/strange.png' ContentType='x'/>")},
+    });
+    const struct {
+        const char* name;
+        const char* type;
+    } rows[] = {
+        {"word/document.xml", "main"},
+        {"word/other.xml", "text"},
+        {"word/LOUD.XML", ""},
+        {"word/image.tar.gz", "zipped"},
+        {"a.dir/plain", "of a name with a slash"},
+        {"ends.", "dot"},
+        {"caf\xC3\xA9.txt", "escaped"},
+        {"/slash.xml", "one slash is taken"},
+        {"empty.xml", "text"},
+        {"nested.png", ""},
+        {"strange.png", ""},
+        {CONTENT_TYPES, "text"},
+        {"", ""},
+    };
+    for (const auto& row : rows) EXPECT_EQ(typeOf(package, row.name), row.type) << row.name;
+}
+
+TEST(PackageTest, ContentTypesAreReadFromTheRightRootOnly) {
+    const struct {
+        const char* what;
+        std::string xml;
+        const char* type;
+    } rows[] = {
+        {"prefixed",
+         "<t:Types xmlns:t='http://schemas.openxmlformats.org/package/2006/content-types'>"
+         "<t:Default Extension='a' ContentType='yes'/></t:Types>",
+         "yes"},
+        {"wrong namespace",
+         "<Types xmlns='urn:x'><Default Extension='a' ContentType='no'/></Types>", ""},
+        {"no namespace", "<Types><Default Extension='a' ContentType='no'/></Types>", ""},
+        {"wrong root",
+         "<Typos xmlns='http://schemas.openxmlformats.org/package/2006/content-types'>"
+         "<Default Extension='a' ContentType='no'/></Typos>",
+         ""},
+        {"UTF-16",
+         std::string("\xFF\xFE") +
+             [] {
+                 std::string wide;
+                 for (const char c : typesXml("<Default Extension='a' ContentType='yes'/>"))
+                     wide += std::string{c, '\0'};
+                 return wide;
+             }(),
+         "yes"},
+        {"damaged behind", typesXml("<Default Extension='a' ContentType='yes'/><"), "yes"},
+        {"damaged before", typesXml("<&><Default Extension='a' ContentType='no'/>"), ""},
+        {"empty", "", ""},
+    };
+    for (const auto& row : rows) {
+        PackageInMemory package({{"f.a", ""}, {CONTENT_TYPES, row.xml}});
+        EXPECT_EQ(typeOf(package, "f.a"), row.type) << row.what;
+    }
+    PackageInMemory none(Parts{{"f.a", ""}});
+    EXPECT_EQ(typeOf(none, "f.a"), "");
+}
+
+TEST(PackageTest, RelationshipsPartOfEachSource) {
+    const std::string other = relsXml(rel("r", "t", "wrong"));
+    const struct {
+        const char* source;
+        const char* rels;
+    } rows[] = {
+        {"", "_rels/.rels"},
+        {"document.xml", "_rels/document.xml.rels"},
+        {"word/document.xml", "word/_rels/document.xml.rels"},
+        {"a/b/c.d/e", "a/b/c.d/_rels/e.rels"},
+        {"/top", "/_rels/top.rels"},
+        {"dir/", "dir/_rels/.rels"},
+        {"word/_rels/document.xml.rels", "word/_rels/_rels/document.xml.rels.rels"},
+    };
+    for (const auto& row : rows) {
+        Parts parts;
+        for (const auto& each : rows) {
+            if (*each.source != '\0') parts.push_back({each.source, ""});
+        }
+        parts.push_back({row.rels, relsXml(rel("r", "t", "urn:here"))});
+        std::erase_if(
+            parts, [&](const auto& part) { return part.first == row.rels && part.second.empty(); });
+        PackageInMemory package(parts);
+        for (const auto& each : rows) {
+            EXPECT_EQ(s(package->getRelationshipTargetFromId(u("r"), package.part(each.source))),
+                      std::string(each.source) == row.source ? "urn:here" : "")
+                << row.rels << " for " << each.source;
+        }
+    }
+}
+
+TEST(PackageTest, TargetsOfPartsAreMemberNames) {
+    const struct {
+        const char* source;
+        const char* target;
+        const char* mode;
+        const char* expected;
+    } rows[] = {
+        {"word/document.xml", "media/image1.png", "", "word/media/image1.png"},
+        {"word/document.xml", "media/image1.png", "Internal", "word/media/image1.png"},
+        {"word/document.xml", "media/image1.png", "External", "media/image1.png"},
+        {"word/document.xml", "media/image1.png", "internal", "media/image1.png"},
+        {"word/document.xml", "../customXml/item1.xml", "", "customXml/item1.xml"},
+        {"word/document.xml", "../../../up.xml", "", "up.xml"},
+        {"word/document.xml", "/word/x.xml", "", "word/x.xml"},
+        {"word/document.xml", "./x.xml", "", "word/x.xml"},
+        {"word/document.xml", "\\word\\x.xml", "", "word/x.xml"},
+        {"word/document.xml", "x.xml#mark", "", "word/x.xml#mark"},
+        {"word/document.xml", "x.xml?q", "", "word/x.xml?q"},
+        {"word/document.xml", "http://h/a b", "", "http://h/a%20b"},
+        {"word/document.xml", "http://h/a b", "External", "http://h/a b"},
+        {"word/document.xml", "mailto:a@b", "External", "mailto:a@b"},
+        {"word/document.xml", "", "", ""},
+        {"a/b/c/d.xml", "../../e.xml", "", "a/e.xml"},
+        {"top.xml", "media/x", "", "media/x"},
+        {"top.xml", "/x", "", "x"},
+        {"top.xml", "../x", "", "x"},
+        {"a!/b.xml", "../x", "", "x"},
+        {"q?/b.xml", "x", "", "q?/x"},
+        // Escapes are taken out where the member is named without them.
+        {"word/document.xml", "a%20b.png", "", "word/a b.png"},
+        {"word/document.xml", "a b.png", "", "word/a b.png"},
+        {"word/document.xml", "c%20d.png", "", "word/c%20d.png"},
+        {"word/document.xml", "e%20f.png", "", "word/e%20f.png"},
+        {"word/document.xml", "caf%C3%A9", "", "word/caf\xC3\xA9"},
+        {"word/document.xml", "%E9t%E9", "", "word/\xC3\xA9t\xC3\xA9"},
+        {"my dir/b.xml", "x.png", "", "my dir/x.png"},
+        // Targets of the package stay as they are written.
+        {"", "word/document.xml", "", "word/document.xml"},
+        {"", "/word/document.xml", "", "/word/document.xml"},
+        {"", "../x y%20z", "", "../x y%20z"},
+    };
+    for (const auto& row : rows) {
+        const std::string source = row.source;
+        const std::size_t slash = source.rfind('/') + 1;
+        PackageInMemory package(
+            {{source.empty() ? "unused" : source, ""},
+             {"word/a b.png", ""},
+             {"word/e f.png", ""},
+             {"word/e%20f.png", ""},
+             {"word/caf\xC3\xA9", ""},
+             {"word/\xC3\xA9t\xC3\xA9", ""},
+             {source.substr(0, slash) + "_rels/" + source.substr(slash) + ".rels",
+              relsXml(rel("r", "image", row.target, row.mode))}});
+        RyZipFileEntry* const part = package.part(source);
+        const std::string what = source + " to " + row.target + " " + row.mode;
+        EXPECT_EQ(s(package->getRelationshipTargetFromId(u("r"), part)), row.expected) << what;
+        EXPECT_EQ(s(package->getRelationshipTargetFromType(
+                      u("http://schemas.openxmlformats.org/officeDocument/2006/relationships/"
+                        "image"),
+                      part)),
+                  row.expected)
+            << what;
+        EXPECT_EQ(s(package->getRelationshipTargetMode(u("r"), part)),
+                  *row.mode == '\0' ? "Internal" : row.mode)
+            << what;
+    }
+}
+
+TEST(PackageTest, TheFirstOfEqualRelationshipsWins) {
+    PackageInMemory package(
+        {{"p", ""},
+         {"_rels/p.rels", relsXml(rel("1", "urn:t", "a", "External") + rel("1", "urn:u", "b") +
+                                  rel("2", "urn:t", "c"))}});
+    RyZipFileEntry* const part = package.part("p");
+    EXPECT_TRUE(part->getRelationshipsIdMap().empty()) << "read before it is asked for";
+    EXPECT_EQ(s(package->getRelationshipTargetFromId(u("1"), part)), "a");
+    EXPECT_EQ(s(package->getRelationshipTargetMode(u("1"), part)), "External");
+    EXPECT_EQ(s(package->getRelationshipTargetFromType(u("urn:t"), part)), "a");
+    EXPECT_EQ(s(package->getRelationshipTargetFromType(u("urn:u"), part)), "b");
+    EXPECT_EQ(s(package->getRelationshipTargetFromId(u("3"), part)), "");
+    EXPECT_EQ(s(package->getRelationshipTargetMode(u("3"), part)), "");
+    EXPECT_EQ(part->getRelationshipsIdMap().size(), 2u);
+    EXPECT_EQ(part->getRelationshipsTypeMap().size(), 2u);
+    EXPECT_EQ(part->getRelationshipsTargetMode().size(), 2u);
+    EXPECT_TRUE(package->getRelationshipsIdMap().empty());
+}
+
+TEST(PackageTest, ApplicationVersion) {
+    const struct {
+        const char* what;
+        const char* xml;
+        const char* version;
+    } rows[] = {
+        {"as written",
+         "<Properties xmlns='http://schemas.openxmlformats.org/officeDocument/2006/"
+         "extended-properties'><Application>A</Application><AppVersion>16.0300</AppVersion>"
+         "</Properties>",
+         "16.0300"},
+        {"any namespace", "<p:x xmlns:p='urn:p'><p:AppVersion> 1 </p:AppVersion></p:x>", " 1 "},
+        {"as the root", "<AppVersion>2</AppVersion>", "2"},
+        {"deep", "<a><b><AppVersion>3</AppVersion></b></a>", "3"},
+        {"the first", "<a><AppVersion>4</AppVersion><AppVersion>5</AppVersion></a>", "4"},
+        {"references, CDATA, children",
+         "<a><AppVersion>1&lt;&#x41;<![CDATA[&]]><!-- c --><b>2</b>3</AppVersion></a>", "1<A&23"},
+        {"empty", "<a><AppVersion/><AppVersion>5</AppVersion></a>", ""},
+        {"absent", "<a><appversion>1</appversion></a>", ""},
+        {"broken in it", "<a><AppVersion>1<&</a>", ""},
+        {"no part", nullptr, ""},
+    };
+    for (const auto& row : rows) {
+        Parts parts = {{"unused", ""}};
+        if (row.xml != nullptr) parts.push_back({"docProps/app.xml", row.xml});
+        EXPECT_EQ(s(PackageInMemory(parts)->getAppVersion()), row.version) << row.what;
+    }
+}
+
+TEST(PackageTest, OpeningAgainForgetsThePackage) {
+    PackageInMemory package({{"f.a", ""},
+                             {CONTENT_TYPES, typesXml("<Default Extension='a' ContentType='t'/>")},
+                             {PACKAGE_RELS, relsXml(rel("1", "urn:t", "a"))}});
+    EXPECT_EQ(typeOf(package, "f.a"), "t");
+    EXPECT_EQ(s(package->getRelationshipTargetFromId(u("1"))), "a");
+    RyZipFile copy = *package;
+    package->open(new std::istringstream(makePackage({{"f.a", ""}})), true);
+    EXPECT_EQ(typeOf(package, "f.a"), "");
+    EXPECT_EQ(s(package->getRelationshipTargetFromId(u("1"))), "");
+    EXPECT_EQ(s(copy.getContentType(copy.getFileEntry(0u))), "t");
+    EXPECT_EQ(s(copy.getRelationshipTargetFromId(u("1"))), "a");
+}
+
+}  // namespace
+}  // namespace RynCommon
