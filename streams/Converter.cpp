@@ -1,4 +1,4 @@
-// Decoders and encoders on ICU's converters.
+// Decoders and encoders on ICU's converters, and the choice of faster decoders.
 #include "streams/Converter.h"
 
 #include <unicode/ucnv_cb.h>
@@ -7,6 +7,8 @@
 #include <array>
 #include <utility>
 
+#include "streams/DoubleByteDecoder.h"
+#include "streams/DoubleByteTable.h"
 #include "streams/EncodingName.h"
 
 namespace RynCommon::streams {
@@ -46,11 +48,7 @@ void U_CALLCONV substituteMissing(const void* context, UConverterFromUnicodeArgs
 
 class IcuDecoder final : public Decoder {
 public:
-    explicit IcuDecoder(icu::LocalUConverterPointer converter) : converter_(std::move(converter)) {
-        UErrorCode status = U_ZERO_ERROR;
-        ucnv_setToUCallBack(converter_.getAlias(), replaceInvalid, nullptr, nullptr, nullptr,
-                            &status);
-    }
+    explicit IcuDecoder(icu::LocalUConverterPointer converter) : converter_(std::move(converter)) {}
 
     Conversion decode(const char*& from, const char* fromEnd, char16_t*& to, char16_t* toEnd,
                       bool last) override {
@@ -118,6 +116,10 @@ icu::LocalUConverterPointer openMarkless(std::string_view encoding) {
 std::unique_ptr<Decoder> openDecoder(std::string_view encoding) {
     icu::LocalUConverterPointer converter = openConverter(encoding);
     if (converter.isNull()) return nullptr;
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_setToUCallBack(converter.getAlias(), replaceInvalid, nullptr, nullptr, nullptr, &status);
+    if (auto table = acquireDoubleByteTable(*converter))
+        return std::make_unique<DoubleByteDecoder>(std::move(converter), std::move(table));
     return std::make_unique<IcuDecoder>(std::move(converter));
 }
 

@@ -42,6 +42,8 @@ struct RyInflaterStreamBuf::Impl {
         const auto result = inflation.run(next, end, out, to + room, true);
         const auto count = static_cast<std::size_t>(out - to);
         ended = result != streams::Inflation::Result::Running || count < room;
+        // The members of an archive keep their streams: thousands of them may stand at their ends.
+        if (ended) inflation.close();
         return count;
     }
 

@@ -20,18 +20,26 @@ uInt pieceOf(std::ptrdiff_t length) {
 
 }  // namespace
 
-Inflation::Inflation(Format format)
-    : open_(inflateInit2(&stream_, format == Format::Raw ? RAW_WINDOW_BITS : GZIP_WINDOW_BITS) ==
-            Z_OK) {
-    if (open_ && format == Format::Gzip) inflateValidate(&stream_, 0);
+Inflation::Inflation(Format format) : format_(format) {
+    open();
 }
 
-Inflation::~Inflation() {
+void Inflation::open() {
+    const bool isRaw = format_ == Format::Raw;
+    open_ = inflateInit2(&stream_, isRaw ? RAW_WINDOW_BITS : GZIP_WINDOW_BITS) == Z_OK;
+    if (open_ && !isRaw) inflateValidate(&stream_, 0);
+}
+
+void Inflation::close() {
     if (open_) inflateEnd(&stream_);
+    open_ = false;
 }
 
 void Inflation::restart() {
-    if (open_) inflateReset(&stream_);
+    if (open_)
+        inflateReset(&stream_);
+    else
+        open();
 }
 
 int Inflation::step(const char*& from, const char* fromEnd, char*& to, char* toEnd, int flush) {

@@ -16,12 +16,14 @@ public:
     };
 
     explicit Inflation(Format format);
-    ~Inflation();
+    ~Inflation() { close(); }
     Inflation(const Inflation&) = delete;
     Inflation& operator=(const Inflation&) = delete;
 
     /// Begins anew, at the start of such data.
     void restart();
+    /// Gives up what is needed to go on, some 10 to 42 KB; restart() takes it again.
+    void close();
 
     /// Takes bytes from `from` and stores bytes at `to`; both move, also when the result is Broken.
     /// `last` tells that no input follows, which spares the window when all output fits; the data
@@ -31,8 +33,11 @@ public:
 private:
     int step(const char*& from, const char* fromEnd, char*& to, char* toEnd, int flush);
 
+    void open();
+
     z_stream stream_{};
-    bool open_;
+    Format format_;
+    bool open_ = false;
 };
 
 }  // namespace RynCommon::streams

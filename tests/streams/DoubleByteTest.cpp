@@ -1,0 +1,302 @@
+// Double-byte encodings: whatever the bytes and wherever they are cut, the decoder says what ICU's
+// converter says.
+#include "streams/DoubleByteTable.h"
+
+#include <gtest/gtest.h>
+#include <unicode/ucnv_cb.h>
+#include <unicode/ucnv_err.h>
+
+#include <algorithm>
+#include <cstring>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "streams/Converter.h"
+#include "streams/EncodingName.h"
+#include "text/Cleanup.h"
+
+namespace RynCommon {
+namespace {
+
+using streams::Conversion;
+using streams::DoubleByteTable;
+
+void U_CALLCONV writeReplacement(const void*, UConverterToUnicodeArgs* args, const char*,
+                                 std::int32_t, UConverterCallbackReason reason,
+                                 UErrorCode* status) {
+    if (reason > UCNV_IRREGULAR) return;
+    const UChar replacement = 0xFFFD;
+    *status = U_ZERO_ERROR;
+    ucnv_cbToUWriteUChars(args, &replacement, 1, 0, status);
+}
+
+icu::LocalUConverterPointer openReplacing(const char* encoding) {
+    icu::LocalUConverterPointer converter = streams::openConverter(encoding);
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_setToUCallBack(converter.getAlias(), writeReplacement, nullptr, nullptr, nullptr, &status);
+    EXPECT_TRUE(U_SUCCESS(status)) << encoding;
+    return converter;
+}
+
+/// ICU's converter in the decoder's clothes.
+class Reference final : public streams::Decoder {
+public:
+    explicit Reference(const char* encoding) : converter_(openReplacing(encoding)) {}
+
+    Conversion decode(const char*& from, const char* fromEnd, char16_t*& to, char16_t* toEnd,
+                      bool last) override {
+        UErrorCode status = U_ZERO_ERROR;
+        ucnv_toUnicode(converter_.getAlias(), &to, toEnd, &from, fromEnd, nullptr, last, &status);
+        if (status == U_BUFFER_OVERFLOW_ERROR) return Conversion::TargetFull;
+        return U_FAILURE(status) ? Conversion::Failed : Conversion::SourceUsed;
+    }
+
+private:
+    icu::LocalUConverterPointer converter_;
+};
+
+/// The names of all of ICU's converters that the tables are for.
+std::vector<const char*> getEncodings() {
+    std::vector<const char*> names;
+    for (std::int32_t i = 0; i < ucnv_countAvailable(); ++i) {
+        const char* const name = ucnv_getAvailableName(i);
+        const icu::LocalUConverterPointer converter = streams::openConverter(name);
+        if (converter.isValid() && ucnv_getType(converter.getAlias()) == UCNV_MBCS)
+            names.push_back(name);
+    }
+    return names;
+}
+
+/// Decodes `bytes` with room for `room` units at a time and appends the units to `text`.
+void decodePart(streams::Decoder& decoder, std::string_view bytes, std::size_t room, bool last,
+                std::u16string& text) {
+    char16_t units[256];
+    const char* from = bytes.data();
+    for (Conversion result = Conversion::TargetFull; result == Conversion::TargetFull;) {
+        char16_t* to = units;
+        result = decoder.decode(from, bytes.data() + bytes.size(), to,
+                                units + std::min(room, std::size(units)), last);
+        text.append(units, to);
+        ASSERT_NE(result, Conversion::Failed);
+    }
+    ASSERT_EQ(from, bytes.data() + bytes.size());
+}
+
+/// All of `bytes` in parts of `size`, the last one told to be so.
+std::u16string decodeInParts(streams::Decoder& decoder, std::string_view bytes, std::size_t size,
+                             std::size_t room = 256) {
+    std::u16string text;
+    for (; bytes.size() > size; bytes.remove_prefix(size))
+        decodePart(decoder, bytes.substr(0, size), room, false, text);
+    decodePart(decoder, bytes, room, true, text);
+    return text;
+}
+
+/// `bytes` cut once, with U+E000 at the cut, so that what comes out before it counts, too.
+std::u16string decodeCut(streams::Decoder& decoder, std::string_view bytes, std::size_t cut) {
+    std::u16string text;
+    decodePart(decoder, bytes.substr(0, cut), 256, false, text);
+    text += u'\uE000';
+    decodePart(decoder, bytes.substr(cut), 256, true, text);
+    return text;
+}
+
+std::string describe(std::string_view bytes) {
+    std::string text;
+    for (const char byte : bytes) {
+        char digits[8];
+        std::snprintf(digits, sizeof digits, "%02X ", static_cast<unsigned char>(byte));
+        text += digits;
+    }
+    return text;
+}
+
+char toByte(std::size_t value) {
+    return static_cast<char>(static_cast<unsigned char>(value));
+}
+
+TEST(DoubleByteTest, EncodingsWithTables) {
+    const struct {
+        const char* name;
+        bool expected;
+    } rows[] = {
+        {"Shift_JIS", true},     {"cp932", true},        {"windows-31j", true}, {"EUC-JP", true},
+        {"EUC-KR", true},        {"cp949", true},        {"KoreanKSC", true},   {"GBK", true},
+        {"GB2312", true},        {"GB18030", true},      {"Big5", true},        {"cp950", true},
+        {"EUC-TW", true},        {"Big5-HKSCS", true},   {"UTF-8", false},      {"UTF-16", false},
+        {"windows-1252", false}, {"ISO-2022-JP", false},
+    };
+    for (const auto& row : rows) {
+        const auto converter = openReplacing(row.name);
+        EXPECT_EQ(streams::acquireDoubleByteTable(*converter) != nullptr, row.expected) << row.name;
+    }
+    for (const char* const name : getEncodings())
+        EXPECT_NE(streams::acquireDoubleByteTable(*openReplacing(name)), nullptr) << name;
+}
+
+/// A pair stands in the table exactly if the converter, having taken it, holds nothing back and has
+/// given one unit, be it U+FFFD for two bytes that go together.
+TEST(DoubleByteTest, TablesHoldEveryPairOfOneUnit) {
+    for (const char* const name : getEncodings()) {
+        const auto converter = openReplacing(name);
+        const auto table = streams::makeDoubleByteTable(*converter);
+        ASSERT_NE(table, nullptr) << name;
+        std::size_t count = 0;
+        for (std::size_t pair = 0x8000; pair < 0x10000; ++pair) {
+            const char bytes[] = {toByte(pair >> 8), toByte(pair)};
+            const char* from = bytes;
+            UChar units[8];
+            UChar* to = units;
+            std::int32_t offsets[8] = {};
+            UErrorCode status = U_ZERO_ERROR;
+            ucnv_toUnicode(converter.getAlias(), &to, units + 8, &from, bytes + 2, offsets, false,
+                           &status);
+            const bool whole = ucnv_toUCountPending(converter.getAlias(), &status) == 0 &&
+                               to == units + 1 && !U16_IS_SURROGATE(units[0]);
+            ucnv_reset(converter.getAlias());
+            const bool lead = table->singles[pair >> 8] == DoubleByteTable::NONE;
+            const char16_t expected = whole && lead ? units[0] : DoubleByteTable::NONE;
+            ASSERT_EQ(table->pairs[DoubleByteTable::indexOf(static_cast<std::uint8_t>(pair >> 8),
+                                                            static_cast<std::uint8_t>(pair))],
+                      expected)
+                << name << ": " << describe({bytes, 2});
+            count += expected != DoubleByteTable::NONE && expected != 0xFFFD ? 1 : 0;
+        }
+        EXPECT_GT(count, 5000U) << name;
+    }
+}
+
+TEST(DoubleByteTest, OneAndTwoBytesWholeAndCutGiveWhatTheConverterGives) {
+    for (const char* const name : getEncodings()) {
+        const auto decoder = streams::openDecoder(name);
+        Reference reference(name);
+        for (std::size_t pair = 0; pair < 0x10000 + 0x100; ++pair) {
+            const char bytes[] = {toByte(pair >> 8), toByte(pair)};
+            const std::string_view sequence =
+                pair < 0x10000 ? std::string_view(bytes, 2) : std::string_view(bytes + 1, 1);
+            for (std::size_t cut = 0; cut <= sequence.size(); ++cut)
+                ASSERT_EQ(decodeCut(*decoder, sequence, cut), decodeCut(reference, sequence, cut))
+                    << name << ": " << describe(sequence) << "cut at " << cut;
+        }
+    }
+}
+
+/// Each pair with a lead byte within a text, where the fast loops meet it, between pairs, ASCII and
+/// both. The parts of seven bytes cut it at every place.
+TEST(DoubleByteTest, EveryPairWithinTextGivesWhatTheConverterGives) {
+    for (const char* const name : getEncodings()) {
+        const auto decoder = streams::openDecoder(name);
+        Reference reference(name);
+        const auto table = streams::acquireDoubleByteTable(*openReplacing(name));
+        const auto good = static_cast<std::size_t>(
+            std::find_if(table->pairs.begin(), table->pairs.end(),
+                         [](char16_t unit) { return unit > 0x2000 && unit != 0xFFFD; }) -
+            table->pairs.begin());
+        const std::string pair = {toByte(0x80 | good >> 8), toByte(good)};
+        const struct {
+            std::string before, after;
+        } rows[] = {
+            {"", ""},
+            {"", "\n\n"},
+            {pair + pair + pair, pair + pair},
+            {"<p>", pair + "</p>"},
+            {pair + "1", "23456789 <a>" + pair},
+        };
+        for (std::size_t lead = 0x7E; lead < 0x100; ++lead) {
+            for (const auto& row : rows) {
+                std::string bytes;
+                for (std::size_t trail = 0; trail < 0x100; ++trail)
+                    bytes += row.before + toByte(lead) + toByte(trail) + row.after;
+                const std::u16string expected = decodeInParts(reference, bytes, bytes.size());
+                for (const std::size_t size : {bytes.size(), std::size_t{7}})
+                    ASSERT_EQ(decodeInParts(*decoder, bytes, size), expected)
+                        << name << ": lead " << lead << " in parts of " << size << " between '"
+                        << row.before << "' and '" << row.after << "'";
+            }
+        }
+    }
+}
+
+/// What follows a prefix, in parts of every size that cuts it.
+TEST(DoubleByteTest, LongerCharactersGiveWhatTheConverterGives) {
+    const struct {
+        const char* encoding;
+        const char* prefix;
+    } rows[] = {
+        {"EUC-JP", "\x8F"},      {"ibm-33722_P120-1999", "\x8F"}, {"ibm-954_P101-2007", "\x8F"},
+        {"EUC-TW", "\x8E\xA2"},  {"GB18030", "\x81\x30"},         {"GB18030", "\x90\x30"},
+        {"GB18030", "\x84\x31"}, {"GB18030", "\xE3\x32"},
+    };
+    for (const auto& row : rows) {
+        const auto decoder = streams::openDecoder(row.encoding);
+        Reference reference(row.encoding);
+        for (std::size_t first = 0; first < 0x100; ++first) {
+            std::string bytes;
+            for (std::size_t second = 0; second < 0x100; ++second)
+                bytes += std::string(row.prefix) + toByte(first) + toByte(second) + "\n";
+            const std::u16string expected = decodeInParts(reference, bytes, bytes.size());
+            for (std::size_t size = 1; size <= 6; ++size)
+                ASSERT_EQ(decodeInParts(*decoder, bytes, size), expected)
+                    << row.encoding << ": " << describe(row.prefix) << first << " in parts of "
+                    << size;
+            ASSERT_EQ(decodeInParts(*decoder, bytes, bytes.size(), 2), expected)
+                << row.encoding << ": " << describe(row.prefix) << first;
+        }
+    }
+}
+
+/// Runs of ASCII, of pairs, of bytes from the upper half and of anything, long and short.
+std::string makeNoise(const DoubleByteTable& table, std::minstd_rand& random) {
+    std::string bytes;
+    while (bytes.size() < 20'000) {
+        const std::size_t kind = random() % 8;
+        for (std::size_t left = 1 + random() % (kind < 6 ? 40 : 6); left > 0; --left) {
+            const std::size_t pair = random() % table.pairs.size();
+            if (kind < 2) {
+                bytes += toByte(random() % 0x80);
+            } else if (kind < 5) {
+                if (table.pairs[pair] != DoubleByteTable::NONE)
+                    bytes.append({toByte(0x80 | pair >> 8), toByte(pair)});
+            } else {
+                bytes += toByte(kind == 5 ? 0x80 | random() % 0x80 : random() % 0x100);
+            }
+        }
+    }
+    return bytes;
+}
+
+TEST(DoubleByteTest, AnyBytesInPartsOfAnySizeGiveWhatTheConverterGives) {
+    std::minstd_rand random(7);
+    for (const char* const name : getEncodings()) {
+        const auto decoder = streams::openDecoder(name);
+        Reference reference(name);
+        const auto table = streams::acquireDoubleByteTable(*openReplacing(name));
+        for (int round = 0; round < 20; ++round) {
+            const std::string bytes = makeNoise(*table, random);
+            const std::u16string expected = decodeInParts(reference, bytes, bytes.size());
+            for (int i = 0; i < 4; ++i) {
+                const std::size_t size = 1 + random() % (i < 2 ? 50 : 5000);
+                const std::size_t room = 2 + random() % (i % 2 == 0 ? 20 : 250);
+                ASSERT_EQ(decodeInParts(*decoder, bytes, size, room), expected)
+                    << name << " round " << round << " in parts of " << size << " with room for "
+                    << room;
+            }
+        }
+    }
+}
+
+TEST(DoubleByteTest, TablesOutliveTheirRelease) {
+    const auto converter = openReplacing("Shift_JIS");
+    const auto decoder = streams::openDecoder("Shift_JIS");
+    const std::weak_ptr<const DoubleByteTable> released =
+        streams::acquireDoubleByteTable(*converter);
+    EXPECT_EQ(streams::acquireDoubleByteTable(*converter), released.lock()) << "made once";
+    CleanupHook::releaseAll();
+    EXPECT_EQ(decodeInParts(*decoder, "\x8A\xBF\x8E\x9A", 4), u"漢字");
+    EXPECT_NE(streams::acquireDoubleByteTable(*converter), released.lock()) << "made again";
+}
+
+}  // namespace
+}  // namespace RynCommon
