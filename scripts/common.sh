@@ -10,7 +10,7 @@ BUILD_PACKAGES=(
     g++ cmake ninja-build pkg-config
     libicu-dev zlib1g-dev libcurl4-openssl-dev uuid-dev libhwy-dev
 )
-TEST_PACKAGES=(libgtest-dev libcpp-httplib-dev)
+TEST_PACKAGES=(libgtest-dev libcpp-httplib-dev libssl-dev)
 # The runtime package holds the sanitizers' and libFuzzer's libraries.
 CLANG_PACKAGES=(clang libclang-rt-14-dev)
 

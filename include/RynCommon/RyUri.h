@@ -105,15 +105,37 @@ public:
     static void* getProcAddress(void* library, const char* name);
     static bool freeLibrary(void* library);
 
-    /// Opens the resource for reading: the resolver is asked first, then local files open (regular
-    /// files and /dev/stdin only). The caller deletes the stream. Null when nothing opens; nothing
-    /// is thrown, except by the resolver.
+    /// Opens the resource for reading. The resolver is asked first; then, by scheme:
+    /// - file URIs and relative ones: regular files and /dev/stdin;
+    /// - `http:` and `https:`: the body as it arrives, see RyUriStreamBuf;
+    /// - `data:`: what stands behind the comma, decoded;
+    /// - `jar:`: what follows the last "!/" is a member, looked up as written and then
+    ///   percent-decoded, of the zip archive that the text before it names; the resolver is asked
+    ///   for that, too. A local archive is read in place, any other into memory, up to 1 GiB.
+    ///   `jar:jar:A!/B!/C` is member C of archive B in archive A, and so on to a depth of 16.
+    ///
+    /// The caller deletes the stream, which owns all it needs. Null when nothing opens; nothing is
+    /// thrown, except by the resolver.
     /// @param errorText    receives why null was returned; may be null
-    /// @param contentType  receives the media type where one is known; may be null
+    /// @param contentType  receives the media type where one is known: the server's, without its
+    ///                     parameters, or the one written in a `data:` URI; may be null
     std::istream* getStream(UnicodeString* errorText = nullptr,
                             UnicodeString* contentType = nullptr) const;
     /// The resolver's stream; null when none is installed or it has none.
     std::istream* getStreamFromResolver(UnicodeString* contentType = nullptr) const;
+
+    /// Opens the resource as getStream() does and inflates it when it is gzip data (RFC 1952); null
+    /// when it is not or does not open. The stream owns its source; the caller deletes it.
+    std::istream* getGzipStream() const;
+    /// A stream that inflates `source`, or null when that holds no gzip data. The caller deletes
+    /// the stream; `source` stays the caller's and must outlive it.
+    static std::istream* getGzipStream(std::istream& source);
+    /// Whether the resource opens and is gzip data.
+    bool isGzip() const;
+    /// Whether a gzip header begins at the start of `source` or, when that cannot seek, where it
+    /// stands. Its position and state stay as they are; one that cannot seek has to take three
+    /// bytes back.
+    static bool isGzip(std::istream& source);
 
     /// Opens the file that `uri` (resolved against this URI) names for writing, or null. Regular
     /// files, which are emptied, and /dev/stdout. Given back by releaseOStream().

@@ -1,4 +1,4 @@
-// The table of schemes, and local files.
+// The table of schemes, local files and servers.
 #include "resources/uri/Fetch.h"
 
 #include <algorithm>
@@ -6,7 +6,11 @@
 #include <string_view>
 #include <system_error>
 
+#include <RynCommon/RyUriStream.h>
+
 #include "platform/Files.h"
+#include "resources/uri/DataUri.h"
+#include "resources/uri/JarUri.h"
 #include "resources/uri/LocalPath.h"
 #include "resources/uri/UriText.h"
 
@@ -14,20 +18,23 @@ namespace RynCommon::uri {
 
 namespace {
 
-Opened fail(UnicodeString error) {
-    return {nullptr, std::move(error), {}};
-}
-
 Opened openFile(const RyUri& uri) {
     const UnicodeString failure = u"Cannot open file: " + uri.getLocalPath();
     const std::optional<std::string> path = toSystemPath(viewOf(uri.toString()));
-    if (!path) return fail(failure + u": not a path of this system");
+    if (!path) return notOpened(failure + u": not a path of this system");
     std::error_code error;
     Opened opened{platform::openInputFile(*path, error), {}, {}};
     if (!opened.stream) {
         opened.error = failure + u": " + UnicodeString::fromUTF8(error.message());
     }
     return opened;
+}
+
+Opened openHttp(const RyUri& uri) {
+    auto stream = std::make_unique<RyUriStream>(uri);
+    if (!stream->is_open()) return notOpened(stream->getErrorText());
+    const UnicodeString contentType = stream->getContentType();
+    return {std::move(stream), {}, contentType};
 }
 
 struct SchemeReader {
@@ -37,7 +44,8 @@ struct SchemeReader {
 };
 
 constexpr SchemeReader SCHEME_READERS[] = {
-    {u"file", openFile},
+    {u"file", openFile}, {u"http", openHttp}, {u"https", openHttp},
+    {u"data", openData}, {u"jar", openJar},
 };
 
 }  // namespace
@@ -47,7 +55,8 @@ Opened openByScheme(const RyUri& uri) {
     const auto* const reader =
         std::find_if(std::begin(SCHEME_READERS), std::end(SCHEME_READERS),
                      [&](const SchemeReader& entry) { return entry.scheme == viewOf(scheme); });
-    if (reader == std::end(SCHEME_READERS)) return fail(u"Cannot open URI of scheme: " + scheme);
+    if (reader == std::end(SCHEME_READERS))
+        return notOpened(u"Cannot open URI of scheme: " + scheme);
     return reader->open(uri);
 }
 

@@ -7,6 +7,7 @@
 
 #include <istream>
 #include <memory>
+#include <utility>
 
 #include <RynCommon/RyUri.h>
 
@@ -20,6 +21,10 @@ struct Opened {
     /// The media type, where the scheme tells one.
     UnicodeString contentType;
 };
+
+inline Opened notOpened(UnicodeString error) {
+    return {nullptr, std::move(error), {}};
+}
 
 Opened openByScheme(const RyUri& uri);
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "resources/uri/Escapes.h"
 #include "resources/uri/UriText.h"
 
 namespace RynCommon::uri {
@@ -40,47 +41,23 @@ LocalPath splitUri(std::u16string_view uri) {
     return {findSchemeEnd(uri) == NONE ? PathKind::System : PathKind::NoFile, uri};
 }
 
-/// Copies `text` to `result`, each escape as one unit.
-template <class Char>
-void decodeEscapes(std::basic_string_view<Char> text, std::basic_string<Char>& result) {
-    result.reserve(result.size() + text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool escape = text[i] == Char('%') && i + 2 < text.size();
-        const int high = escape ? hexValue(static_cast<char32_t>(text[i + 1])) : -1;
-        const int low = escape ? hexValue(static_cast<char32_t>(text[i + 2])) : -1;
-        if (high < 0 || low < 0) {
-            result += text[i];
-        } else {
-            result += static_cast<Char>(high * 16 + low);
-            i += 2;
-        }
-    }
-}
-
 }  // namespace
-
-UnicodeString unescape(std::u16string_view text) {
-    std::u16string result;
-    decodeEscapes(text, result);
-    return toText(result);
-}
 
 UnicodeString toLocalPath(std::u16string_view uri) {
     const LocalPath path = splitUri(uri);
     if (path.kind == PathKind::NoFile) return toText(uri);
+    const UnicodeString decoded = unescape(path.text);
+    if (path.kind == PathKind::System) return decoded;
     std::u16string result(path.kind == PathKind::Unc ? u"\\\\" : u"");
-    decodeEscapes(path.text, result);
-    if (path.kind != PathKind::System) std::replace(result.begin(), result.end(), u'/', u'\\');
+    result += viewOf(decoded);
+    std::replace(result.begin(), result.end(), u'/', u'\\');
     return toText(result);
 }
 
 std::optional<std::string> toSystemPath(std::u16string_view uri) {
     const LocalPath path = splitUri(uri);
     if (path.kind != PathKind::System) return std::nullopt;
-    std::string escaped;
-    toText(path.text).toUTF8String(escaped);
-    std::string result;
-    decodeEscapes(std::string_view(escaped), result);
+    std::string result = unescapeToBytes(path.text);
     if (result.find('\0') != std::string::npos) return std::nullopt;
     return result;
 }

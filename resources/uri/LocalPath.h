@@ -9,9 +9,6 @@
 
 namespace RynCommon::uri {
 
-/// "%" and two hexadecimal digits become one unit of that value.
-UnicodeString unescape(std::u16string_view text);
-
 /// The path as text, each escaped byte one unit of its own: "C:\a b\c.xml", "\\srv\share\a.xml",
 /// "/tmp/a". Another absolute URI as it is; a relative one without escapes.
 UnicodeString toLocalPath(std::u16string_view uri);

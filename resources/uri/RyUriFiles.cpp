@@ -6,6 +6,7 @@
 
 #include "platform/Files.h"
 #include "platform/Modules.h"
+#include "resources/uri/Escapes.h"
 #include "resources/uri/Fetch.h"
 #include "resources/uri/LocalPath.h"
 #include "resources/uri/UriText.h"

@@ -2,50 +2,24 @@
 #include <RynCommon/RyUri.h>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <sstream>
 #include <string>
 
+#include "tests/resources/Fetching.h"
+
 namespace RynCommon {
 namespace {
 
-UnicodeString u(const std::string& text) {
-    return UnicodeString::fromUTF8(text);
-}
-
-std::string s(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
-
-/// The content behind the URI; "(none)" when it does not open.
-std::string fetch(const RyUri& uri, UnicodeString* error = nullptr) {
-    const std::unique_ptr<std::istream> in(uri.getStream(error));
-    if (!in) return "(none)";
-    return {std::istreambuf_iterator<char>(*in), std::istreambuf_iterator<char>()};
-}
-
 class FetchTest : public testing::Test {
 protected:
-    FetchTest() {
-        std::string pattern = testing::TempDir() + "ryn-fetch-XXXXXX";
-        directory_ = mkdtemp(pattern.data());
-    }
-    ~FetchTest() override {
-        RyUri::setUriReferenceResolver(nullptr);
-        std::filesystem::remove_all(directory_);
-    }
-
-    void write(const std::string& name) const { std::ofstream(directory_ + "/" + name) << name; }
+    void write(const std::string& name) const { folder_.write(name, name); }
     RyUri uri(const std::string& rest) const { return RyUri(u("file://" + directory_ + rest)); }
 
-    std::string directory_;
+    ScratchFolder folder_;
+    const std::string directory_ = folder_.path("").substr(0, folder_.path("").size() - 1);
 };
 
 TEST_F(FetchTest, OpensFilesUnderTheirEscapedNames) {
@@ -68,15 +42,15 @@ TEST_F(FetchTest, OpensFilesUnderTheirEscapedNames) {
         {"", "(none)"},
     };
     for (const auto& row : rows) {
-        UnicodeString error = u("old");
-        EXPECT_EQ(fetch(uri(row.text), &error), row.content) << row.text;
-        EXPECT_EQ(error.isEmpty(), std::string(row.content) != "(none)") << row.text;
-        EXPECT_EQ(uri(row.text).isFileExists(), error.isEmpty()) << row.text;
+        const Fetched fetched = fetch(uri(row.text));
+        EXPECT_EQ(fetched.content, row.content) << row.text;
+        EXPECT_EQ(fetched.error.empty(), std::string(row.content) != "(none)") << row.text;
+        EXPECT_EQ(uri(row.text).isFileExists(), fetched.error.empty()) << row.text;
     }
-    EXPECT_EQ(fetch(RyUri(u("file://localhost" + directory_ + "/a%20b"))), "a b");
-    EXPECT_EQ(fetch(RyUri(u("file:" + directory_ + "/a%20b"))), "a b");
-    EXPECT_EQ(fetch(RyUri(RyUri(), u(directory_ + "/a b"))), "a b");
-    EXPECT_EQ(fetch(RyUri(uri("/x/y"), u("../a b"))), "a b");
+    EXPECT_EQ(fetch(RyUri(u("file://localhost" + directory_ + "/a%20b"))).content, "a b");
+    EXPECT_EQ(fetch(RyUri(u("file:" + directory_ + "/a%20b"))).content, "a b");
+    EXPECT_EQ(fetch(RyUri(RyUri(), u(directory_ + "/a b"))).content, "a b");
+    EXPECT_EQ(fetch(RyUri(uri("/x/y"), u("../a b"))).content, "a b");
 }
 
 TEST_F(FetchTest, SaysWhyNothingOpens) {
@@ -93,11 +67,10 @@ TEST_F(FetchTest, SaysWhyNothingOpens) {
         {"GOPHER://h/a", "Cannot open URI of scheme: gopher"},
     };
     for (const auto& row : rows) {
-        UnicodeString error;
-        UnicodeString contentType = u("old");
-        EXPECT_EQ(RyUri(u(row.text)).getStream(&error, &contentType), nullptr) << row.text;
-        EXPECT_EQ(s(error), row.error) << row.text;
-        EXPECT_TRUE(contentType.isEmpty());
+        const Fetched fetched = fetch(row.text);
+        EXPECT_EQ(fetched.content, "(none)") << row.text;
+        EXPECT_EQ(fetched.error, row.error) << row.text;
+        EXPECT_EQ(fetched.contentType, "") << row.text;
     }
 }
 
@@ -117,6 +90,8 @@ public:
 TEST_F(FetchTest, TheResolverComesFirst) {
     write("a");
     CountingResolver resolver;
+    const ScopedResolver restored(resolver);
+    RyUri::setUriReferenceResolver(nullptr);
     EXPECT_EQ(RyUri::setUriReferenceResolver(&resolver), nullptr);
     EXPECT_EQ(RyUri::getUriReferenceResolver(), &resolver);
     UnicodeString error = u("old");
@@ -127,13 +102,13 @@ TEST_F(FetchTest, TheResolverComesFirst) {
     EXPECT_EQ(resolver.asked, "http://h/a%20b ");
     EXPECT_EQ(s(contentType), "text/x-test");
     EXPECT_TRUE(error.isEmpty());
-    EXPECT_EQ(fetch(uri("/a")), "supplied");
+    EXPECT_EQ(fetch(uri("/a")).content, "supplied");
     resolver.serves = false;
-    EXPECT_EQ(fetch(uri("/a")), "a");
+    EXPECT_EQ(fetch(uri("/a")).content, "a");
     EXPECT_EQ(uri("/a").getStreamFromResolver(), nullptr);
     EXPECT_EQ(RyUri::setUriReferenceResolver(nullptr), &resolver);
     resolver.serves = true;
-    EXPECT_EQ(fetch(uri("/a")), "a");
+    EXPECT_EQ(fetch(uri("/a")).content, "a");
 }
 
 TEST_F(FetchTest, OutputGoesBesideTheUri) {
@@ -142,7 +117,7 @@ TEST_F(FetchTest, OutputGoesBesideTheUri) {
     ASSERT_NE(out, nullptr);
     *out << "written";
     base.releaseOStream(out);
-    EXPECT_EQ(fetch(uri("/out%20a.txt")), "written");
+    EXPECT_EQ(fetch(uri("/out%20a.txt")).content, "written");
     EXPECT_EQ(base.createOStream(u("no/dir/out")), nullptr);
     EXPECT_EQ(base.createOStream(u("http://h/out")), nullptr);
     EXPECT_EQ(base.createOStream(u("C:\\out")), nullptr);

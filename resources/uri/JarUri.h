@@ -1,0 +1,28 @@
+// Members of zip archives, named by `jar:` URIs.
+//
+// "jar:" + archive + "!/" + member. The archive is a URI again and may be a `jar:` URI itself, so
+// the text is split at its last "!/": in `jar:jar:A!/B!/C` the outer archive is A. Every level
+// costs one "jar:" in front, which bounds the recursion before it begins.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include <RynCommon/RyMemStream.h>
+
+#include "resources/uri/Fetch.h"
+
+namespace RynCommon::uri {
+
+/// Most levels of archives in one another.
+constexpr int MAX_ARCHIVE_NESTING = 16;
+/// Most bytes of an archive that has to be kept in memory: 1 GiB.
+constexpr std::uint64_t MAX_ARCHIVE_BYTES = std::uint64_t{1} << 30;
+
+/// Opens the member. The stream needs the archive no more.
+Opened openJar(const RyUri& uri);
+
+/// What `source` still has, in memory; null when that is more than `limit` bytes.
+std::unique_ptr<RyMemStream> copyArchive(std::istream& source, std::uint64_t limit);
+
+}  // namespace RynCommon::uri
