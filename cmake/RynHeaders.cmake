@@ -17,7 +17,12 @@ set(RYN_HEADERS_text
     RyUUID.h
     RyUtil.h)
 set(RYN_HEADERS_streams
-    RyDMCStream.h)
+    JZIOobj.h
+    RyDMCStream.h
+    RyGzipStream.h
+    RyInflaterStream.h
+    RyMemStream.h
+    RyTempFile.h)
 set(RYN_HEADERS_values
     RyColor.h
     RyLength.h
@@ -29,7 +34,11 @@ set(RYN_HEADERS_values
     RyWritingMode.h
     TransMatrix.h)
 set(RYN_HEADERS_resources
-    RyUri.h)
+    OleCompFile.h
+    OleSummaryInformation.h
+    RyUri.h
+    RyUriStream.h
+    RyZipFile.h)
 set(RYN_HEADERS_xml
     MathMLName.h
     MathMLNames.inc

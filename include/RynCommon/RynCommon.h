@@ -1,15 +1,21 @@
 // Everything the library offers.
 #pragma once
 
+#include <RynCommon/JZIOobj.h>
 #include <RynCommon/MathMLName.h>
+#include <RynCommon/OleCompFile.h>
+#include <RynCommon/OleSummaryInformation.h>
 #include <RynCommon/RyColor.h>
 #include <RynCommon/RyDMCStream.h>
 #include <RynCommon/RyDocument.h>
 #include <RynCommon/RyElement.h>
 #include <RynCommon/RyError.h>
+#include <RynCommon/RyGzipStream.h>
+#include <RynCommon/RyInflaterStream.h>
 #include <RynCommon/RyLang.h>
 #include <RynCommon/RyLength.h>
 #include <RynCommon/RyLock.h>
+#include <RynCommon/RyMemStream.h>
 #include <RynCommon/RyName.h>
 #include <RynCommon/RyNameTable.h>
 #include <RynCommon/RyNamedValue.h>
@@ -19,15 +25,18 @@
 #include <RynCommon/RyOrientation.h>
 #include <RynCommon/RySide.h>
 #include <RynCommon/RyString.h>
+#include <RynCommon/RyTempFile.h>
 #include <RynCommon/RyTextNode.h>
 #include <RynCommon/RyTokenizer.h>
 #include <RynCommon/RyUUID.h>
 #include <RynCommon/RyUri.h>
+#include <RynCommon/RyUriStream.h>
 #include <RynCommon/RyUtil.h>
 #include <RynCommon/RyValue.h>
 #include <RynCommon/RyWritingMode.h>
 #include <RynCommon/RyXmlParser.h>
 #include <RynCommon/RyXmlSerializer.h>
 #include <RynCommon/RyXmlUtil.h>
+#include <RynCommon/RyZipFile.h>
 #include <RynCommon/SVGName.h>
 #include <RynCommon/TransMatrix.h>

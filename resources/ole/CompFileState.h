@@ -1,0 +1,37 @@
+// What a compound file holds while it is open.
+#pragma once
+
+#include <RynCommon/OleCompFile.h>
+
+#include <memory>
+#include <vector>
+
+#include "resources/ole/OleDirectory.h"
+#include "resources/ole/OleHeader.h"
+#include "resources/ole/SectorReader.h"
+#include "resources/ole/SectorTables.h"
+
+namespace RynCommon {
+
+struct OleCompFile::Impl {
+    /// Back to the closed state. The reader stays.
+    void clear();
+    /// The sectors of the mini stream, found when the first mini stream opens; empty when it has
+    /// none or its chain returns to itself.
+    const std::vector<std::int32_t>& getMiniStream();
+
+    /// Set when the reader is the file's own.
+    std::unique_ptr<JZIOobj> owned;
+    JZIOobj* io = nullptr;
+    /// Names that are not found are not reported.
+    bool quiet = false;
+
+    ole::OleHeader header;
+    ole::SectorReader reader;
+    ole::SectorTables tables;
+    ole::OleDirectory directory;
+    std::vector<std::int32_t> miniStream;
+    bool miniStreamKnown = false;
+};
+
+}  // namespace RynCommon

@@ -1,0 +1,64 @@
+// The allocation tables of a compound file, and the chains of sectors that they hold.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "resources/ole/OleHeader.h"
+#include "resources/ole/SectorReader.h"
+
+namespace RynCommon::ole {
+
+/// What follows each sector: the FAT, or the mini FAT for mini sectors.
+using NextTable = std::vector<std::int32_t>;
+
+/// A mark on each entry of a table, for walks that must not meet an entry twice. All marks are off
+/// between walks.
+class Marks {
+public:
+    void resize(std::size_t count) { bits_.assign((count + 63) / 64, 0); }
+    /// Sets the marks from `first` up to `last`, or up to the first one that is set; answers that
+    /// one, else `last + 1`.
+    std::size_t setRange(std::size_t first, std::size_t last);
+    void clear(const std::vector<std::int32_t>& indexes) {
+        for (const std::int32_t index : indexes) bits_[static_cast<std::size_t>(index) / 64] = 0;
+    }
+
+private:
+    std::vector<std::uint64_t> bits_;
+};
+
+class SectorTables {
+public:
+    /// The three steps of loading, in this order. Each checks its counts against the size of the
+    /// file before it allocates, and is false when the file is too short or a chain is broken.
+    bool loadDifat(const OleHeader& header, const SectorReader& reader);
+    bool loadFat(const OleHeader& header, const SectorReader& reader);
+    bool loadMiniFat(const OleHeader& header, const SectorReader& reader);
+
+    /// What follows a sector; -1 outside of the table.
+    std::int32_t getNext(std::int32_t sector, bool mini) const;
+    std::size_t getSize(bool mini) const { return mini ? miniFat_.size() : fat_.size(); }
+
+    /// Collects the chain that begins at `start` until `most` sectors are found, or the chain ends,
+    /// leaves the table or returns to one of its sectors. Answers the sector that would be next.
+    std::int32_t collectChain(std::int32_t start, bool mini, std::size_t most,
+                              std::vector<std::int32_t>& chain) const;
+    /// Whether the chain from `start` has `count` sectors, which are collected.
+    bool collectExactly(std::int32_t start, bool mini, std::size_t count,
+                        std::vector<std::int32_t>& chain) const;
+
+private:
+    bool isInside(std::int32_t sector, bool mini) const {
+        return sector >= 0 && static_cast<std::size_t>(sector) < getSize(mini);
+    }
+
+    std::vector<std::int32_t> difat_;
+    NextTable fat_;
+    NextTable miniFat_;
+    /// Of the FAT and the mini FAT. Scratch of collectChain().
+    mutable Marks marks_[2];
+};
+
+}  // namespace RynCommon::ole

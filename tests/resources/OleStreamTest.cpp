@@ -1,0 +1,203 @@
+// Streams inside of compound files: seeking, reading in pieces, copying, the standard stream.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <memory>
+
+#include "tests/resources/OleFixture.h"
+
+namespace RynCommon {
+namespace {
+
+using test::makeContent;
+using test::MemoryIo;
+using test::OleImage;
+using test::OleWriter;
+using test::Path;
+
+class OleStreamTest : public testing::Test {
+protected:
+    /// Opens a file with the one stream "s", scattered over its sectors.
+    OleStream& open(std::size_t size, std::uint32_t cutoff = 4096) {
+        OleWriter::Options options;
+        options.scattered = true;
+        options.cutoff = cutoff;
+        OleWriter writer(options);
+        writer.addStream(0, u"s", makeContent(size));
+        writer.addStream(0, u"other", makeContent(700, 2));
+        image_ = writer.write();
+        io_ = std::make_unique<MemoryIo>(image_.bytes());
+        EXPECT_TRUE(file_.OLEopen(io_.get()));
+        stream_.reset(file_.OLEopenStream(Path{"s"}));
+        EXPECT_NE(stream_, nullptr);
+        return *stream_;
+    }
+
+    OleImage image_{false};
+    std::unique_ptr<MemoryIo> io_;
+    OleCompFile file_;
+    std::unique_ptr<OleStream> stream_;
+};
+
+TEST_F(OleStreamTest, SeeksWithinItsBounds) {
+    OleStream& stream = open(100);
+    constexpr std::int32_t MOST = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int32_t LEAST = std::numeric_limits<std::int32_t>::min();
+    // Each row goes on from the one before.
+    const struct {
+        std::int32_t offset;
+        int whence;
+        std::int64_t result;
+        std::uint32_t position;
+    } rows[] = {
+        {10, 2, 90, 90},  {-5, 0, 0, 0},        {500, 0, 100, 100},  {100, 0, 100, 100},
+        {0, 2, 100, 100}, {-10, 1, 90, 90},     {5, 1, 95, 95},      {99, 1, 100, 100},
+        {-500, 1, 0, 0},  {101, 2, 0, 0},       {-1, 2, 100, 100},   {40, 0, 40, 40},
+        {7, 3, -1, 40},   {7, -1, -1, 40},      {MOST, 1, 100, 100}, {LEAST, 1, 0, 0},
+        {MOST, 2, 0, 0},  {LEAST, 2, 100, 100}, {LEAST, 0, 0, 0},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(stream.OLEseek(row.offset, row.whence), row.result) << row.offset << row.whence;
+        EXPECT_EQ(stream.OLEtell(), row.position) << row.offset << " " << row.whence;
+    }
+}
+
+TEST_F(OleStreamTest, SeekingPlacesTheReaderOfTheFile) {
+    for (const std::size_t size : {3000U, 9000U}) {
+        OleStream& stream = open(size);
+        const std::string content = makeContent(size);
+        for (std::int32_t position = 0; position < static_cast<std::int32_t>(size);
+             position += 37) {
+            ASSERT_EQ(stream.OLEseek(position, 0), position);
+            char byte = 0;
+            ASSERT_EQ(file_.ReadIO(&byte, 1), 1U);
+            ASSERT_EQ(byte, content[static_cast<std::size_t>(position)]) << position;
+        }
+    }
+}
+
+TEST_F(OleStreamTest, ReadsPiecesOfAnySizeFromAnyPlace) {
+    for (const std::size_t size : {4095U, 4096U, 20'000U}) {
+        OleStream& stream = open(size);
+        const std::string content = makeContent(size);
+        for (const std::uint32_t piece : {1U, 7U, 63U, 64U, 511U, 513U, 5000U, 0xFFFFFFFFU}) {
+            ASSERT_EQ(stream.OLEseek(0, 0), 0);
+            EXPECT_EQ(test::readAll(stream, std::min(piece, 1U << 20)), content) << piece;
+            EXPECT_EQ(stream.OLEtell(), size);
+        }
+        std::vector<unsigned char> buffer(size);
+        for (std::uint32_t position = 0; position < size; position += 113) {
+            const std::uint32_t count = position * 7 % 1500;
+            stream.OLEseek(static_cast<std::int32_t>(position), 0);
+            const std::uint32_t got = stream.OLEread(buffer.data(), count);
+            ASSERT_EQ(got, std::min<std::size_t>(count, size - position));
+            ASSERT_EQ(std::string(buffer.begin(), buffer.begin() + got),
+                      content.substr(position, got));
+        }
+        EXPECT_EQ(stream.OLEread(nullptr, 5), 0U);
+    }
+}
+
+TEST_F(OleStreamTest, TheCutoffTellsWhereAStreamLives) {
+    const struct {
+        std::size_t size;
+        std::uint32_t cutoff;
+        bool mini;
+    } rows[] = {{4095, 4096, true}, {4096, 4096, false}, {64, 0, false}, {6000, 0x7FFFFFFF, true}};
+    for (const auto& row : rows) {
+        OleStream& stream = open(row.size, row.cutoff);
+        EXPECT_EQ(test::readAll(stream), makeContent(row.size)) << row.size;
+        const std::vector<std::int32_t>& chain = image_.chains[1];
+        EXPECT_EQ(chain.size(), (row.size + (row.mini ? 63 : 511)) / (row.mini ? 64 : 512));
+        for (std::size_t i = 0; i < chain.size(); ++i) {
+            ASSERT_EQ(stream.GetStreamChainIndex(static_cast<std::uint32_t>(i)), chain[i]);
+        }
+        EXPECT_EQ(stream.GetStreamChainIndex(static_cast<std::uint32_t>(chain.size())), -1);
+        EXPECT_EQ(stream.GetStreamChainIndex(0xFFFFFFFF), -1);
+    }
+}
+
+TEST_F(OleStreamTest, OnlyStreamsHaveAChain) {
+    OleStream& stream = open(100);
+    for (const std::int32_t id : {0, 3, 4, -1, 0x7FFFFFFF}) {
+        EXPECT_FALSE(stream.GetStreamChain(id)) << id;
+        EXPECT_EQ(stream.GetStreamSize(), 0U);
+        EXPECT_EQ(test::readAll(stream), "");
+    }
+    EXPECT_TRUE(stream.GetStreamChain(2));
+    EXPECT_EQ(test::readAll(stream), makeContent(700, 2));
+    OleStream alone(nullptr);
+    EXPECT_FALSE(alone.GetStreamChain(1));
+    EXPECT_EQ(alone.OLEseek(0, 0), 0);
+}
+
+TEST_F(OleStreamTest, CopiesToAFileAndKeepsItsPlace) {
+    std::string pattern = testing::TempDir() + "ryn-olecopy-XXXXXX";
+    const std::string directory = mkdtemp(pattern.data());
+    const std::string path = directory + "/copy";
+    for (const std::size_t size : {0U, 1U, 4095U, 10240U, 10241U, 50'000U}) {
+        OleStream& stream = open(size);
+        stream.OLEseek(77, 0);
+        std::ofstream(path) << "something longer than nothing";
+        EXPECT_TRUE(stream.CopyToFile(path.c_str()));
+        EXPECT_EQ(stream.OLEtell(), std::min<std::size_t>(77, size));
+        std::ifstream in(path, std::ios::binary);
+        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), makeContent(size));
+    }
+    OleStream& stream = *stream_;
+    stream.OLEseek(77, 0);
+    EXPECT_FALSE(stream.CopyToFile(directory.c_str()));
+    EXPECT_FALSE(stream.CopyToFile((directory + "/no/copy").c_str()));
+    EXPECT_FALSE(stream.CopyToFile("/dev/full"));
+    EXPECT_FALSE(stream.CopyToFile(nullptr));
+    io_->bytes.resize(io_->bytes.size() / 2);
+    EXPECT_FALSE(stream.CopyToFile(path.c_str())) << "a stream that is cut";
+    EXPECT_EQ(stream.OLEtell(), 77U);
+    std::filesystem::remove_all(directory);
+}
+
+TEST_F(OleStreamTest, TheStandardStreamEndsAtItsLimit) {
+    OleStream& stream = open(9000);
+    const std::string content = makeContent(9000);
+    const struct {
+        int limit;
+        std::size_t from;
+        std::vector<std::size_t> blocks;
+    } rows[] = {
+        {5000, 0, {4096, 904}},
+        {-1, 0, {4096, 4096, 808}},
+        {0, 0, {}},
+        {1, 0, {1}},
+        {4096, 0, {4096}},
+        {8192, 0, {4096, 4096}},
+        {8193, 0, {4096, 4096, 1}},
+        {20'000, 0, {4096, 4096, 808}},
+        {5000, 8000, {1000}},
+        {-1, 9000, {}},
+    };
+    for (const auto& row : rows) {
+        stream.OLEseek(static_cast<std::int32_t>(row.from), 0);
+        RyOleStream in(&stream, row.limit);
+        std::string read;
+        std::vector<std::size_t> blocks;
+        while (in.peek() != std::char_traits<char>::eof()) {
+            blocks.push_back(static_cast<std::size_t>(in.rdbuf()->in_avail()));
+            std::string block(blocks.back(), '\0');
+            in.read(block.data(), static_cast<std::streamsize>(block.size()));
+            read += block;
+        }
+        EXPECT_EQ(blocks, row.blocks) << row.limit;
+        EXPECT_EQ(read, content.substr(row.from, read.size()));
+        EXPECT_TRUE(in.eof());
+    }
+    RyOleStream none(nullptr);
+    EXPECT_EQ(none.get(), std::char_traits<char>::eof());
+}
+
+}  // namespace
+}  // namespace RynCommon

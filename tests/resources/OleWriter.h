@@ -1,0 +1,127 @@
+// Writes compound files for tests, with every freedom of the format, and breaks them on purpose.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace RynCommon::test {
+
+/// Appends and overwrites integers of one byte order.
+class ByteSink {
+public:
+    explicit ByteSink(bool bigEndian) : bigEndian_(bigEndian) {}
+
+    void put16(std::size_t value) { put(value, 2); }
+    void put32(std::size_t value) { put(value, 4); }
+    void put64(std::size_t value) { put(value, 8); }
+    void put(std::size_t value, std::size_t size) {
+        bytes.resize(bytes.size() + size);
+        set(bytes.size() - size, value, size);
+    }
+    /// The low `size` bytes of `value` at `offset`.
+    void set(std::size_t offset, std::size_t value, std::size_t size);
+    void set32(std::size_t offset, std::int64_t value) {
+        set(offset, static_cast<std::size_t>(value), 4);
+    }
+    void pad(std::size_t multiple) {
+        bytes.resize((bytes.size() + multiple - 1) / multiple * multiple);
+    }
+
+    std::string bytes;
+
+private:
+    bool bigEndian_;
+};
+
+/// A written file, with what is needed to find the places in it that a test breaks.
+struct OleImage {
+    explicit OleImage(bool bigEndian) : sink(bigEndian) {}
+
+    const std::string& bytes() const { return sink.bytes; }
+    std::size_t offsetOf(std::int32_t sector) const {
+        return (static_cast<std::size_t>(sector) << shift) + 512;
+    }
+    std::size_t entryOffset(int id) const;
+    /// Overwrites what follows a sector in the FAT, a mini sector in the mini FAT.
+    void setNext(std::int32_t sector, std::int32_t next) { setNextIn(fat, sector, next); }
+    void setNextMini(std::int32_t mini, std::int32_t next) { setNextIn(miniFat, mini, next); }
+
+    ByteSink sink;
+    unsigned shift = 9;
+    // Sector numbers, in order.
+    std::vector<std::int32_t> fat;
+    std::vector<std::int32_t> difat;
+    std::vector<std::int32_t> miniFat;
+    std::vector<std::int32_t> directory;
+    std::vector<std::int32_t> miniStream;
+    /// Sectors or mini sectors of each entry's stream.
+    std::vector<std::vector<std::int32_t>> chains;
+
+private:
+    void setNextIn(const std::vector<std::int32_t>& table, std::int32_t index, std::int32_t next);
+};
+
+class OleWriter {
+public:
+    /// Trees of siblings: balanced in the format's order of names, or chains in the order of
+    /// addition.
+    enum class Siblings { BALANCED, RIGHT_CHAIN, LEFT_CHAIN };
+    struct Options {
+        unsigned shift = 9;
+        unsigned miniShift = 6;
+        bool bigEndian = false;
+        std::uint32_t cutoff = 4096;
+        std::size_t leastFatSectors = 0;
+        /// Sectors and mini sectors of the streams lie in a mixed order.
+        bool scattered = false;
+        /// The sectors come in the opposite order: allocation tables first, streams last.
+        bool reversed = false;
+        Siblings siblings = Siblings::BALANCED;
+    };
+
+    OleWriter() : OleWriter(Options()) {}
+    explicit OleWriter(const Options& options);
+
+    /// Ids; the root's is 0.
+    int addStorage(int parent, const std::u16string& name);
+    int addStream(int parent, const std::u16string& name, std::string content);
+    OleImage write();
+
+private:
+    struct Entry {
+        std::u16string name;
+        int type = 0;
+        std::string content;
+        std::vector<int> children;
+        int left = -1;
+        int right = -1;
+        int child = -1;
+        std::int32_t start = -2;
+    };
+
+    int add(int parent, const std::u16string& name, int type, std::string content);
+    void linkSiblings(Entry& parent);
+    int linkBalanced(const std::vector<int>& ids, std::size_t from, std::size_t to);
+    std::vector<std::int32_t> allocateSectors(std::size_t bytes);
+    std::vector<std::int32_t> allocateMinis(std::size_t bytes);
+    std::vector<std::int32_t> takeSectors(std::size_t count);
+    void scatter(std::vector<std::int32_t>& numbers);
+    void writeMiniStreams(OleImage& image);
+    void writeDirectory(OleImage& image);
+    void writeTables(OleImage& image);
+    void writeHeader(OleImage& image);
+    void store(OleImage& image, const std::vector<std::int32_t>& sectors, const std::string& data);
+
+    Options options_;
+    std::vector<Entry> entries_;
+    std::size_t used_ = 0;     ///< sectors given out
+    std::size_t sectors_ = 0;  ///< all of them, when they are known
+    std::vector<std::int32_t> fat_;
+    std::vector<std::int32_t> miniFat_;
+    std::string miniStream_;
+    std::uint32_t random_ = 1;
+};
+
+}  // namespace RynCommon::test
