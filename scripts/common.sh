@@ -11,6 +11,10 @@ BUILD_PACKAGES=(
     libicu-dev zlib1g-dev libcurl4-openssl-dev uuid-dev libhwy-dev
 )
 TEST_PACKAGES=(libgtest-dev libcpp-httplib-dev libssl-dev)
+# Google Benchmark, and the peers.
+BENCH_PACKAGES=(
+    python3 libbenchmark-dev libexpat1-dev libxml2-dev libpugixml-dev libzip-dev libminizip-dev libgsf-1-dev
+)
 # The runtime package holds the sanitizers' and libFuzzer's libraries.
 CLANG_PACKAGES=(clang libclang-rt-14-dev)
 

@@ -4,6 +4,7 @@
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/../../scripts/common.sh"
 
+need_packages "${BUILD_PACKAGES[@]}" "${BENCH_PACKAGES[@]}"
 configure_preset release -B build/bench/cmake -DRYNCOMMON_BENCH=ON -DRYNCOMMON_TESTS=OFF -DRYNCOMMON_EXAMPLES=OFF
 cmake --build "$ROOT/build/bench/cmake" --target lazybench >&2
 exec "$ROOT/build/bench/cmake/bench/lazy/lazybench" "$@"

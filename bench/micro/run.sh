@@ -5,7 +5,7 @@
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/../../scripts/common.sh"
 
-need_packages "${BUILD_PACKAGES[@]}" libbenchmark-dev
+need_packages "${BUILD_PACKAGES[@]}" "${BENCH_PACKAGES[@]}"
 options=(--benchmark_repetitions=15 --benchmark_min_time=0.1)
 if [[ ${1:-} == --quick ]]; then
     options=(--benchmark_repetitions=3 --benchmark_min_time=0.02)

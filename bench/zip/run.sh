@@ -5,7 +5,7 @@
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/../../scripts/common.sh"
 
-need_packages "${BUILD_PACKAGES[@]}" libbenchmark-dev libzip-dev libminizip-dev
+need_packages "${BUILD_PACKAGES[@]}" "${BENCH_PACKAGES[@]}"
 options=(--benchmark_repetitions=9 --benchmark_min_time=0.2)
 if [[ ${1:-} == --quick ]]; then
     options=(--benchmark_repetitions=3 --benchmark_min_time=0.05)
@@ -13,8 +13,11 @@ if [[ ${1:-} == --quick ]]; then
 fi
 configure_preset release -B build/bench/cmake -DRYNCOMMON_BENCH=ON -DRYNCOMMON_TESTS=OFF -DRYNCOMMON_EXAMPLES=OFF
 cmake --build "$ROOT/build/bench/cmake" --target zipbench gzipbench >&2
+results=$ROOT/build/bench/results
+mkdir -p "$results"
 for program in zipbench gzipbench; do
     say "== $program"
     "$ROOT/build/bench/cmake/bench/zip/$program" "${options[@]}" \
-        --benchmark_report_aggregates_only=true --benchmark_enable_random_interleaving=true "$@"
+        --benchmark_report_aggregates_only=true --benchmark_enable_random_interleaving=true \
+        --benchmark_out="$results/$program.json" --benchmark_out_format=json "$@"
 done

@@ -4,10 +4,10 @@
 #include <RynCommon/OleCompFile.h>
 
 #include <memory>
-#include <vector>
 
 #include "resources/ole/OleDirectory.h"
 #include "resources/ole/OleHeader.h"
+#include "resources/ole/SectorChain.h"
 #include "resources/ole/SectorReader.h"
 #include "resources/ole/SectorTables.h"
 
@@ -18,7 +18,7 @@ struct OleCompFile::Impl {
     void clear();
     /// The sectors of the mini stream, found when the first mini stream opens; empty when it has
     /// none or its chain returns to itself.
-    const std::vector<std::int32_t>& getMiniStream();
+    const ole::SectorChain& getMiniStream();
 
     /// Set when the reader is the file's own.
     std::unique_ptr<JZIOobj> owned;
@@ -30,7 +30,7 @@ struct OleCompFile::Impl {
     ole::SectorReader reader;
     ole::SectorTables tables;
     ole::OleDirectory directory;
-    std::vector<std::int32_t> miniStream;
+    ole::SectorChain miniStream;
     bool miniStreamKnown = false;
 };
 

@@ -54,7 +54,7 @@ void OleCompFile::Impl::clear() {
 }
 
 /// The size of the mini stream is not asked: writers get it wrong, and its chain tells enough.
-const std::vector<std::int32_t>& OleCompFile::Impl::getMiniStream() {
+const ole::SectorChain& OleCompFile::Impl::getMiniStream() {
     if (miniStreamKnown) return miniStream;
     miniStreamKnown = true;
     const OleDirInfo* const root = directory.getRoot();

@@ -31,23 +31,30 @@ constexpr char16_t PRESENTATION[] = u"\u0002OlePres000";
 
 bool OleDirectory::load(const OleHeader& header, const SectorReader& reader,
                         const SectorTables& tables) {
-    std::vector<std::int32_t> chain;
+    SectorChain chain;
     const std::int32_t end =
         tables.collectChain(header.directoryStart, false, tables.getSize(false), chain);
     if (end != END_OF_CHAIN) return false;
     const std::size_t most = std::max<std::size_t>(1, READ_SIZE >> header.sectorShift);
     std::vector<unsigned char> block(most << header.sectorShift);
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < chain.size(); i += count) {
-        count = countNeighbours(chain, i, most);
-        if (!reader.readSectors(chain[i], count, block.data())) return false;
-        const std::size_t size = count << header.sectorShift;
-        for (std::size_t at = 0; at < size; at += ENTRY_SIZE) {
-            OleDirInfo& entry = entries_.emplace_back();
-            if (!entry.parse(block.data() + at, header.littleEndian)) return false;
-            entry.setDirID(static_cast<std::int32_t>(entries_.size() - 1));
-            if (entry.isRoot() && root_ < 0) root_ = entry.getDirID();
+    for (std::size_t i = 0; i < chain.size();) {
+        const SectorChain::Run& run = *chain.find(i);
+        const std::size_t count = std::min(most, run.start + run.count - i);
+        if (!reader.readSectors(chain.at(i), count, block.data()) ||
+            !parseEntries(block.data(), count << header.sectorShift, header.littleEndian)) {
+            return false;
         }
+        i += count;
+    }
+    return true;
+}
+
+bool OleDirectory::parseEntries(const unsigned char* bytes, std::size_t size, bool littleEndian) {
+    for (std::size_t at = 0; at < size; at += ENTRY_SIZE) {
+        OleDirInfo& entry = entries_.emplace_back();
+        if (!entry.parse(bytes + at, littleEndian)) return false;
+        entry.setDirID(static_cast<std::int32_t>(entries_.size() - 1));
+        if (entry.isRoot() && root_ < 0) root_ = entry.getDirID();
     }
     return true;
 }

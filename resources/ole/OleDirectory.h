@@ -38,6 +38,7 @@ private:
     /// stopped.
     template <class Visit>
     bool walk(std::int32_t start, Visit visit) const;
+    bool parseEntries(const unsigned char* bytes, std::size_t size, bool littleEndian);
     std::int32_t search(const OleDirInfo& start, const UnicodeString& name) const;
     void buildIndex();
     bool indexTree(std::int32_t head);

@@ -31,40 +31,16 @@ std::size_t countUnits(std::uint64_t size, unsigned shift) {
     return (size + (std::uint64_t{1} << shift) - 1) >> shift;
 }
 
-/// What a mapping needs of the file.
-struct Geometry {
-    const ole::SectorReader& reader;
-    const std::vector<std::int32_t>& miniStream;
-    unsigned shift;
-    unsigned miniShift;
-};
-
-/// The extent at `position` of the stream whose sectors are `chain`, at least to the end of the
-/// sector and at most `most` bytes; empty when there is no sector.
-Extent mapToSectors(const Geometry& geometry, const std::vector<std::int32_t>& chain,
-                    std::uint64_t position, std::uint64_t most) {
-    const unsigned shift = geometry.shift;
-    const std::size_t index = position >> shift;
-    if (index >= chain.size()) return {};
-    const std::uint64_t inside = position & ((std::uint64_t{1} << shift) - 1);
-    const std::size_t sectors =
-        ole::countNeighbours(chain, index, countUnits(inside + most, shift));
-    const std::uint64_t size = (static_cast<std::uint64_t>(sectors) << shift) - inside;
-    return {geometry.reader.getOffset(chain[index]) + inside, std::min(size, most)};
-}
-
-/// The same through the mini stream: neighbouring mini sectors are one piece of it, which is mapped
-/// to the file as any stream.
-Extent mapToMinis(const Geometry& geometry, const std::vector<std::int32_t>& chain,
-                  std::uint64_t position, std::uint64_t most) {
-    const unsigned shift = geometry.miniShift;
-    const std::size_t index = position >> shift;
-    if (index >= chain.size()) return {};
-    const std::uint64_t inside = position & ((std::uint64_t{1} << shift) - 1);
-    const std::size_t minis = ole::countNeighbours(chain, index, countUnits(inside + most, shift));
-    const std::uint64_t size = (static_cast<std::uint64_t>(minis) << shift) - inside;
-    const std::uint64_t start = (static_cast<std::uint64_t>(chain[index]) << shift) + inside;
-    return mapToSectors(geometry, geometry.miniStream, start, std::min(size, most));
+/// At most `most` bytes from `position` on of what a chain of units of 1 << `shift` bytes holds, as
+/// far as the units are neighbours: an extent of what the units are numbered in. Empty when there
+/// is no unit.
+Extent mapToUnits(const ole::SectorChain& chain, unsigned shift, std::uint64_t position,
+                  std::uint64_t most) {
+    const ole::SectorChain::Run* const run = chain.find(position >> shift);
+    if (run == nullptr) return {};
+    const std::uint64_t inside = position - (static_cast<std::uint64_t>(run->start) << shift);
+    const std::uint64_t size = (static_cast<std::uint64_t>(run->count) << shift) - inside;
+    return {(static_cast<std::uint64_t>(run->first) << shift) + inside, std::min(size, most)};
 }
 
 }  // namespace
@@ -78,7 +54,7 @@ struct OleStream::Impl {
     }
 
     OleCompFile* file = nullptr;
-    std::vector<std::int32_t> chain;
+    ole::SectorChain chain;
     std::uint32_t size = 0;
     std::uint32_t position = 0;
     bool mini = false;
@@ -99,7 +75,7 @@ std::uint32_t OleStream::OLEtell() const {
 }
 
 std::int32_t OleStream::GetStreamChainIndex(std::uint32_t index) const {
-    return index < impl_->chain.size() ? impl_->chain[index] : -1;
+    return impl_->chain.at(index);
 }
 
 bool OleStream::GetStreamChain(std::int32_t id) {
@@ -129,12 +105,16 @@ bool OleStream::GetStreamChain(std::int32_t id) {
 
 bool OleStream::map(std::uint32_t most, std::uint64_t& offset, std::uint64_t& size) const {
     if (impl_->file == nullptr) return false;
-    OleCompFile::Impl& state = *impl_->file->impl_;
-    const Geometry geometry{state.reader, state.miniStream, state.header.sectorShift,
-                            state.header.miniShift};
-    const Extent extent =
-        (impl_->mini ? mapToMinis : mapToSectors)(geometry, impl_->chain, impl_->position, most);
-    offset = extent.offset;
+    const OleCompFile::Impl& state = *impl_->file->impl_;
+    const unsigned shift = state.header.sectorShift;
+    Extent extent{impl_->position, most};
+    if (impl_->mini) {
+        extent = mapToUnits(impl_->chain, state.header.miniShift, extent.offset, extent.size);
+        extent = mapToUnits(state.miniStream, shift, extent.offset, extent.size);
+    } else {
+        extent = mapToUnits(impl_->chain, shift, extent.offset, extent.size);
+    }
+    offset = extent.offset + state.reader.getOffset(0);
     size = extent.size;
     return size > 0;
 }

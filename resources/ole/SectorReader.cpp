@@ -24,13 +24,11 @@ bool SectorReader::readSectors(std::int32_t first, std::size_t count, void* targ
     return first >= 0 && readAt(getOffset(first), target, size) == size;
 }
 
-bool SectorReader::readList(const std::vector<std::int32_t>& sectors, unsigned char* target) const {
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < sectors.size(); i += count) {
-        count = countNeighbours(sectors, i, sectors.size() - i);
-        if (!readSectors(sectors[i], count, target + (i << shift_))) return false;
-    }
-    return true;
+bool SectorReader::readChain(const SectorChain& chain, unsigned char* target) const {
+    return std::all_of(chain.getRuns().begin(), chain.getRuns().end(),
+                       [&](const SectorChain::Run& run) {
+                           return readSectors(run.first, run.count, target + (run.start << shift_));
+                       });
 }
 
 /// An I/O object does not tell its size, but it can step back from its end. One that cannot do that
@@ -42,28 +40,6 @@ bool SectorReader::hasRoomFor(std::int64_t count) const {
     if (io_->seek(-static_cast<std::int64_t>(needed), SEEK_END)) return true;
     unsigned char last = 0;
     return readAt(needed - 1, &last, 1) == 1;
-}
-
-std::size_t countRun(const std::int32_t* first, const std::int32_t* last) {
-    constexpr std::ptrdiff_t BLOCK = 32;
-    const auto step = [](const std::int32_t* at) {
-        return static_cast<std::uint32_t>(at[1]) - static_cast<std::uint32_t>(at[0]);
-    };
-    const std::int32_t* at = first;
-    while (last - at > BLOCK) {
-        std::uint32_t others = 0;
-        for (std::ptrdiff_t i = 0; i < BLOCK; ++i) others |= step(at + i) ^ 1;
-        if (others != 0) break;
-        at += BLOCK;
-    }
-    while (last - at > 1 && step(at) == 1) ++at;
-    return static_cast<std::size_t>(at - first) + 1;
-}
-
-std::size_t countNeighbours(const std::vector<std::int32_t>& sectors, std::size_t index,
-                            std::size_t most) {
-    const std::int32_t* const first = sectors.data() + index;
-    return countRun(first, first + std::min(most, sectors.size() - index));
 }
 
 }  // namespace RynCommon::ole

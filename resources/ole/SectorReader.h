@@ -5,7 +5,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
+
+#include "resources/ole/SectorChain.h"
 
 namespace RynCommon::ole {
 
@@ -22,8 +23,8 @@ public:
     /// Reads whole sectors that follow one another in the file, with one call; false unless all of
     /// them came.
     bool readSectors(std::int32_t first, std::size_t count, void* target) const;
-    /// Reads the sectors of a list, neighbours together; false unless all of them came.
-    bool readList(const std::vector<std::int32_t>& sectors, unsigned char* target) const;
+    /// Reads all sectors of a chain; false unless all of them came.
+    bool readChain(const SectorChain& chain, unsigned char* target) const;
     /// Whether the file is large enough for `count` sectors.
     bool hasRoomFor(std::int64_t count) const;
 
@@ -31,13 +32,5 @@ private:
     JZIOobj* io_ = nullptr;
     unsigned shift_ = 0;
 };
-
-/// How many numbers from `first` up to `last`, one at least, each are one above the number before.
-/// Chains are mostly long runs, so blocks are looked at as a whole first.
-std::size_t countRun(const std::int32_t* first, const std::int32_t* last);
-
-/// How many sectors of a list, from `index` on and at most `most`, are neighbours in the file.
-std::size_t countNeighbours(const std::vector<std::int32_t>& sectors, std::size_t index,
-                            std::size_t most);
 
 }  // namespace RynCommon::ole

@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <numeric>
 
 #include "resources/ole/ByteOrder.h"
 
@@ -22,9 +21,14 @@ namespace RynCommon::ole {
 
 namespace {
 
-bool hasDuplicates(std::vector<std::int32_t> numbers) {
-    std::sort(numbers.begin(), numbers.end());
-    return std::adjacent_find(numbers.begin(), numbers.end()) != numbers.end();
+/// Whether a sector stands in the list twice.
+bool hasDuplicates(const SectorChain& list) {
+    std::vector<SectorChain::Run> runs = list.getRuns();
+    std::sort(runs.begin(), runs.end(),
+              [](const auto& a, const auto& b) { return a.first < b.first; });
+    return std::adjacent_find(runs.begin(), runs.end(), [](const auto& a, const auto& b) {
+               return static_cast<std::int64_t>(a.count) + a.first > b.first;
+           }) != runs.end();
 }
 
 void toNativeOrder(NextTable& table, bool littleEndian) {
@@ -34,25 +38,44 @@ void toNativeOrder(NextTable& table, bool littleEndian) {
     }
 }
 
-/// The last of at most `most` sectors from `first` on that each are followed by their neighbour.
-std::size_t findRunEnd(const NextTable& table, std::size_t first, std::size_t most) {
-    if (table[first] != static_cast<std::int32_t>(first) + 1) return first;
-    // The entries of such a run are a run themselves.
-    const std::int32_t* const start = table.data() + first;
-    const std::size_t limit = std::min(most, table.size() - first);
-    return first + std::min(countRun(start, start + limit), limit - 1);
+/// How many sectors from `first` on, at most `most`, are followed by their neighbour each, the last
+/// one counted that is not. Runs are long, so blocks are looked at as a whole first.
+std::size_t countRun(const NextTable& table, std::size_t first, std::size_t most) {
+    constexpr std::size_t BLOCK = 32;
+    const std::size_t limit = std::min(table.size(), first + std::min(most, table.size())) - 1;
+    const std::int32_t* const entries = table.data();
+    std::size_t at = first;
+    while (limit - at >= BLOCK) {
+        std::int32_t others = 0;
+        for (std::size_t i = 0; i < BLOCK; ++i) {
+            others |= entries[at + i] ^ static_cast<std::int32_t>(at + i + 1);
+        }
+        if (others != 0) break;
+        at += BLOCK;
+    }
+    while (at < limit && entries[at] == static_cast<std::int32_t>(at) + 1) ++at;
+    return at - first + 1;
 }
 
 /// Reads a table from its sectors. `sectors` is no longer than the file.
-bool loadTable(const std::vector<std::int32_t>& sectors, const OleHeader& header,
-               const SectorReader& reader, NextTable& table) {
+bool loadTable(const SectorChain& sectors, const OleHeader& header, const SectorReader& reader,
+               NextTable& table) {
     table.assign(sectors.size() * header.longsPerSector(), -1);
-    if (!reader.readList(sectors, reinterpret_cast<unsigned char*>(table.data()))) return false;
+    if (!reader.readChain(sectors, reinterpret_cast<unsigned char*>(table.data()))) return false;
     toNativeOrder(table, header.littleEndian);
     return true;
 }
 
 }  // namespace
+
+void Marks::clear(const SectorChain& chain) {
+    for (const SectorChain::Run& run : chain.getRuns()) {
+        const std::size_t first = static_cast<std::size_t>(run.first) / 64;
+        const std::size_t last = (static_cast<std::size_t>(run.first) + run.count - 1) / 64;
+        std::fill(bits_.begin() + static_cast<std::ptrdiff_t>(first),
+                  bits_.begin() + static_cast<std::ptrdiff_t>(last + 1), 0);
+    }
+}
 
 std::size_t Marks::setRange(std::size_t first, std::size_t last) {
     constexpr std::uint64_t ALL = ~std::uint64_t{0};
@@ -75,8 +98,9 @@ std::size_t Marks::setRange(std::size_t first, std::size_t last) {
 bool SectorTables::loadDifat(const OleHeader& header, const SectorReader& reader) {
     if (!reader.hasRoomFor(header.fatSectors)) return false;
     const auto wanted = static_cast<std::size_t>(header.fatSectors);
-    const std::size_t own = std::min(wanted, header.difat.size());
-    difat_.assign(header.difat.begin(), header.difat.begin() + static_cast<std::ptrdiff_t>(own));
+    for (std::size_t i = 0; i < std::min(wanted, header.difat.size()); ++i) {
+        difat_.append(header.difat[i], 1);
+    }
 
     std::vector<unsigned char> block(header.bytesPerSector());
     const std::size_t linkAt = block.size() - 4;
@@ -86,7 +110,7 @@ bool SectorTables::loadDifat(const OleHeader& header, const SectorReader& reader
         if (sector == passed || !reader.readSectors(sector, 1, block.data())) return false;
         if (std::has_single_bit(steps)) passed = sector;
         for (std::size_t at = 0; at < linkAt && difat_.size() < wanted; at += 4) {
-            difat_.push_back(loadSigned32(block.data() + at, header.littleEndian));
+            difat_.append(loadSigned32(block.data() + at, header.littleEndian), 1);
         }
         sector = loadSigned32(block.data() + linkAt, header.littleEndian);
     }
@@ -101,7 +125,7 @@ bool SectorTables::loadFat(const OleHeader& header, const SectorReader& reader) 
 
 bool SectorTables::loadMiniFat(const OleHeader& header, const SectorReader& reader) {
     const auto count = static_cast<std::size_t>(header.miniFatSectors);
-    std::vector<std::int32_t> sectors;
+    SectorChain sectors;
     if (!reader.hasRoomFor(header.miniFatSectors) ||
         !collectExactly(header.miniFatStart, false, count, sectors) ||
         !loadTable(sectors, header, reader, miniFat_)) {
@@ -117,19 +141,16 @@ std::int32_t SectorTables::getNext(std::int32_t sector, bool mini) const {
 }
 
 std::int32_t SectorTables::collectChain(std::int32_t start, bool mini, std::size_t most,
-                                        std::vector<std::int32_t>& chain) const {
+                                        SectorChain& chain) const {
     const NextTable& table = mini ? miniFat_ : fat_;
     Marks& marks = marks_[mini ? 1 : 0];
     chain.clear();
     std::int32_t next = start;
     while (chain.size() < most && isInside(next, mini)) {
-        // Neighbours are taken as a run, since most chains are made of few.
         const auto first = static_cast<std::size_t>(next);
-        const std::size_t last = findRunEnd(table, first, most - chain.size());
+        const std::size_t last = first + countRun(table, first, most - chain.size()) - 1;
         const std::size_t end = marks.setRange(first, last);
-        const std::size_t count = chain.size();
-        chain.resize(count + (end - first));
-        std::iota(chain.begin() + static_cast<std::ptrdiff_t>(count), chain.end(), next);
+        chain.append(next, end - first);
         next = end <= last ? static_cast<std::int32_t>(end) : table[last];
         if (end <= last) break;
     }
@@ -138,9 +159,8 @@ std::int32_t SectorTables::collectChain(std::int32_t start, bool mini, std::size
 }
 
 bool SectorTables::collectExactly(std::int32_t start, bool mini, std::size_t count,
-                                  std::vector<std::int32_t>& chain) const {
+                                  SectorChain& chain) const {
     if (count > getSize(mini)) return false;
-    chain.reserve(count);
     collectChain(start, mini, count, chain);
     return chain.size() == count;
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "resources/ole/OleHeader.h"
+#include "resources/ole/SectorChain.h"
 #include "resources/ole/SectorReader.h"
 
 namespace RynCommon::ole {
@@ -21,9 +22,8 @@ public:
     /// Sets the marks from `first` up to `last`, or up to the first one that is set; answers that
     /// one, else `last + 1`.
     std::size_t setRange(std::size_t first, std::size_t last);
-    void clear(const std::vector<std::int32_t>& indexes) {
-        for (const std::int32_t index : indexes) bits_[static_cast<std::size_t>(index) / 64] = 0;
-    }
+    /// Takes off the marks on the sectors of a chain, and those that share a word with them.
+    void clear(const SectorChain& chain);
 
 private:
     std::vector<std::uint64_t> bits_;
@@ -44,17 +44,16 @@ public:
     /// Collects the chain that begins at `start` until `most` sectors are found, or the chain ends,
     /// leaves the table or returns to one of its sectors. Answers the sector that would be next.
     std::int32_t collectChain(std::int32_t start, bool mini, std::size_t most,
-                              std::vector<std::int32_t>& chain) const;
+                              SectorChain& chain) const;
     /// Whether the chain from `start` has `count` sectors, which are collected.
-    bool collectExactly(std::int32_t start, bool mini, std::size_t count,
-                        std::vector<std::int32_t>& chain) const;
+    bool collectExactly(std::int32_t start, bool mini, std::size_t count, SectorChain& chain) const;
 
 private:
     bool isInside(std::int32_t sector, bool mini) const {
         return sector >= 0 && static_cast<std::size_t>(sector) < getSize(mini);
     }
 
-    std::vector<std::int32_t> difat_;
+    SectorChain difat_;
     NextTable fat_;
     NextTable miniFat_;
     /// Of the FAT and the mini FAT. Scratch of collectChain().
