@@ -67,7 +67,7 @@ private:
 
     std::vector<ParsedAttribute> slots_;
     std::size_t count_ = 0;
-    std::size_t owned_ = 0;  // values before this one are copies
+    std::size_t owned_ = 0;            // values before this one are copies
     std::vector<std::uint64_t> seen_;  // open addressing over (namespace, local name); 0: free
 };
 

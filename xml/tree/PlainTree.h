@@ -4,8 +4,8 @@
 // factories and hooks: five virtual calls and as many counted pointers a node. Where document and
 // nodes are exactly the library's classes these calls are known to do nothing of their own, and
 // the nodes are made and linked at once, with their first references counted before anybody else
-// can see them. What comes out is the same tree. Documents of prose load in a fifth less time, those
-// of tiny elements, where memory is what takes the time, in a fiftieth less.
+// can see them. What comes out is the same tree. Documents of prose load in a fifth less time,
+// those of tiny elements, where memory is what takes the time, in a fiftieth less.
 #pragma once
 
 #include <RynCommon/RyDocument.h>

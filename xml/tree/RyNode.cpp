@@ -7,9 +7,9 @@
 #include <RynCommon/RyNodeIterator.h>
 
 #include "core/ErrorLocations.h"
+#include "core/SlabMemory.h"
 #include "xml/document/Loader.h"
 #include "xml/tree/NodeLinks.h"
-#include "core/SlabMemory.h"
 
 namespace RynCommon {
 
