@@ -34,7 +34,10 @@ bool OleDirectory::load(const OleHeader& header, const SectorReader& reader,
     SectorChain chain;
     const std::int32_t end =
         tables.collectChain(header.directoryStart, false, tables.getSize(false), chain);
-    if (end != END_OF_CHAIN) return false;
+    if (end != END_OF_CHAIN || !reader.hasRoomFor(static_cast<std::int64_t>(chain.size()))) {
+        return false;
+    }
+    entries_.reserve((chain.size() << header.sectorShift) / ENTRY_SIZE);
     const std::size_t most = std::max<std::size_t>(1, READ_SIZE >> header.sectorShift);
     std::vector<unsigned char> block(most << header.sectorShift);
     for (std::size_t i = 0; i < chain.size();) {

@@ -8,8 +8,6 @@
 #include <RynCommon/OleCompFile.h>
 
 #include <algorithm>
-#include <array>
-#include <limits>
 #include <new>
 
 #include "resources/ole/CompFileState.h"
