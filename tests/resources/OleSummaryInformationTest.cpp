@@ -395,11 +395,12 @@ TEST(OleSummaryInformation, SharedTablesAreMalformed) {
     sink.put32(0);
     sink.put32(PROPERTIES);
     for (std::size_t i = 0; i < PROPERTIES; ++i) sink.put64(0x0000000800000002);
-    Document document(sink.bytes);
+    const std::string shared = sink.bytes;
+    sink.set(24, 1, 4);
+    Document document(shared);
+    Document single(sink.bytes);
     OleSummaryInformation information;
     EXPECT_EQ(information.initSummaryInformation(&document.file), -1);
-    sink.set(24, 1, 4);
-    Document single(sink.bytes);
     EXPECT_EQ(information.initSummaryInformation(&single.file), 1);
 }
 

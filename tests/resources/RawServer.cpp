@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <stdexcept>
+#include <utility>
 
 namespace RynCommon {
 
@@ -30,11 +31,12 @@ int listenAnywhere(int& port) {
 }  // namespace
 
 Connection::~Connection() {
-    if (socket_ < 0) return;
-    // An orderly end even where the request was not read: closing then would reset.
-    shutdown(socket_, SHUT_WR);
-    waitForClose();
-    close(socket_);
+    if (socket_ >= 0) close(socket_);
+}
+
+int Connection::end() {
+    if (socket_ >= 0) shutdown(socket_, SHUT_WR);
+    return std::exchange(socket_, -1);
 }
 
 std::string Connection::readRequest() {
@@ -77,6 +79,7 @@ RawServer::~RawServer() {
     shutdown(listener_, SHUT_RDWR);
     thread_.join();
     close(listener_);
+    for (const int socket : ended_) close(socket);
 }
 
 std::string RawServer::url(const std::string& path) const {
@@ -89,6 +92,9 @@ void RawServer::run() {
         if (socket < 0) return;
         Connection connection(socket);
         handle_(connection);
+        // An orderly end even where the request was not read: closing now would reset. Nor is the
+        // client waited for, which may hold this connection while it asks for the next.
+        if (const int ended = connection.end(); ended >= 0) ended_.push_back(ended);
     }
 }
 

@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace RynCommon {
 
@@ -23,6 +24,9 @@ public:
     void waitForClose();
     /// Ends with a reset instead of an orderly close.
     void reset();
+    /// Tells the peer that no more comes, and gives the socket up to the caller; -1 when it is
+    /// closed already.
+    int end();
 
 private:
     int socket_;
@@ -46,6 +50,7 @@ private:
     std::function<void(Connection&)> handle_;
     int port_ = 0;
     int listener_;
+    std::vector<int> ended_;  // sockets of connections that were handled; closed with the server
     std::thread thread_;
 };
 
