@@ -7,6 +7,7 @@
 
 #include "resources/uri/Escapes.h"
 #include "resources/uri/UriText.h"
+#include "resources/zip/FindMember.h"
 
 namespace RynCommon::uri {
 
@@ -46,16 +47,6 @@ Opened openArchive(const RyUri& archive) {
     return source;
 }
 
-/// Escapes stand for UTF-8, or, where they do not decode to that, for one character each.
-RyZipFileEntry* findMember(const RyZipFile& archive, std::u16string_view member) {
-    const UnicodeString names[] = {toText(member), UnicodeString::fromUTF8(unescapeToBytes(member)),
-                                   unescape(member)};
-    for (const UnicodeString& name : names) {
-        if (RyZipFileEntry* const entry = archive.getFileEntry(name)) return entry;
-    }
-    return nullptr;
-}
-
 /// The directory at the archive's end knows the sizes that the headers of archives written to a
 /// pipe lack; an archive that lost its end still has its headers. Null when there is no such
 /// member.
@@ -66,7 +57,7 @@ std::unique_ptr<std::istream> openMember(std::istream& source, std::u16string_vi
         RyZipFile archive;
         archive.setUseCentralDirectory(useDirectory);
         archive.open(&source, false);
-        if (RyZipFileEntry* const entry = findMember(archive, member)) {
+        if (RyZipFileEntry* const entry = zip::findMember(archive, toText(member))) {
             return std::unique_ptr<std::istream>(entry->getUncompressedStream(true));
         }
     }

@@ -9,6 +9,7 @@
 #include "resources/uri/UriText.h"
 #include "resources/zip/ContentTypes.h"
 #include "resources/zip/DocumentClass.h"
+#include "resources/zip/FindMember.h"
 #include "resources/zip/PartReader.h"
 #include "resources/zip/Relationships.h"
 
@@ -22,16 +23,6 @@ using zip::TextMap;
 UnicodeString valueOf(const TextMap& map, const UnicodeString& key) {
     const auto found = map.find(key);
     return found == map.end() ? UnicodeString() : found->second;
-}
-
-/// The member that a target names, as written or with its escapes taken out: as UTF-8, or as one
-/// unit each.
-RyZipFileEntry* findMember(const RyZipFile& archive, const UnicodeString& name) {
-    RyZipFileEntry* entry = archive.getFileEntry(name);
-    if (entry != nullptr || name.indexOf(u'%') < 0) return entry;
-    const std::u16string_view view = uri::viewOf(name);
-    entry = archive.getFileEntry(UnicodeString::fromUTF8(uri::unescapeToBytes(view)));
-    return entry != nullptr ? entry : archive.getFileEntry(uri::unescape(view));
 }
 
 /// Of a member that nobody asked about as a part.
@@ -86,7 +77,7 @@ void RyZipFile::setContentType() {
     };
     zip::readContentTypes(*description, package.typesByExtension,
                           [&](const UnicodeString& name, const UnicodeString& type) {
-                              if (RyZipFileEntry* const entry = findMember(*this, name))
+                              if (RyZipFileEntry* const entry = zip::findMember(*this, name))
                                   assign(*entry, type);
                           });
     for (const RyPtr<RyZipFileEntry>& entry : impl_->entries) {
@@ -110,7 +101,7 @@ void RyZipFile::makeRelationships(RyZipFileEntry* part) {
     const auto resolve = [&](const UnicodeString& target) {
         if (part == nullptr) return target;
         const UnicodeString resolved = zip::resolveTarget(source, target);
-        const RyZipFileEntry* const member = findMember(*this, resolved);
+        const RyZipFileEntry* const member = zip::findMember(*this, resolved);
         return member != nullptr ? member->getFileName() : resolved;
     };
     zip::readRelationships(*description, resolve, relationships);
@@ -144,9 +135,9 @@ RyZipFileEntry* RyZipFile::getOfficeDocument() {
     const UnicodeString target = getRelationshipTargetFromType(UnicodeString(
         u"http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument"));
     if (target.isEmpty()) return nullptr;
-    RyZipFileEntry* const entry = findMember(*this, target);
+    RyZipFileEntry* const entry = zip::findMember(*this, target);
     const bool hasSlash = entry == nullptr && target[0] == u'/';
-    return hasSlash ? findMember(*this, UnicodeString(target, 1)) : entry;
+    return hasSlash ? zip::findMember(*this, UnicodeString(target, 1)) : entry;
 }
 
 RyZipFile::OOXDOCUMENT_TYPE RyZipFile::detectOOXDocument() {

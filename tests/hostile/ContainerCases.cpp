@@ -26,7 +26,6 @@ using namespace RynCommon;
 using test::OleImage;
 using test::OleWriter;
 
-constexpr std::size_t MEGA = 1'000'000;
 constexpr std::uint32_t EXTREMES[] = {0,          1,          0x7FFF,     0xFFFF,
                                       0x7FFFFFFF, 0x80000000, 0xFFFFFFFE, 0xFFFFFFFF};
 

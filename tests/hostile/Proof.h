@@ -4,9 +4,19 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace hostile {
+
+inline constexpr std::size_t MEGA = 1'000'000;
+
+inline std::string repeat(std::string_view text, std::size_t times) {
+    std::string result;
+    result.reserve(text.size() * times);
+    for (std::size_t i = 0; i < times; ++i) result += text;
+    return result;
+}
 
 /// What a case is held to. A reader gets 64 MiB and 16 times its input, and a second for every
 /// megabyte of input (at least one).

@@ -14,15 +14,6 @@ namespace {
 
 using namespace RynCommon;
 
-constexpr std::size_t MEGA = 1'000'000;
-
-std::string repeat(std::string_view text, std::size_t times) {
-    std::string result;
-    result.reserve(text.size() * times);
-    for (std::size_t i = 0; i < times; ++i) result += text;
-    return result;
-}
-
 std::string numbered(std::string_view before, std::string_view after, std::size_t times) {
     std::string result;
     for (std::size_t i = 0; i < times; ++i) {
