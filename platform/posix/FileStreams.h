@@ -28,6 +28,8 @@ public:
 
     int get() const { return descriptor_; }
     bool isOpen() const { return descriptor_ >= 0; }
+    /// Gives the descriptor to the caller.
+    int release() { return std::exchange(descriptor_, -1); }
 
 private:
     int descriptor_;

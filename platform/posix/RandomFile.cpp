@@ -1,12 +1,13 @@
 // Files read and written at positions on POSIX systems.
 #include "platform/RandomFile.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <limits>
+
+#include "platform/posix/RegularFile.h"
 
 namespace RynCommon::platform {
 
@@ -14,30 +15,12 @@ namespace {
 
 constexpr std::uint64_t LAST_OFFSET = std::numeric_limits<off_t>::max();
 
-bool isRegular(const struct stat& status) {
-    return S_ISREG(status.st_mode);
-}
-
-/// The kind is looked at before opening, since opening some devices has effects, and again on the
-/// descriptor, which nobody can exchange. O_NONBLOCK keeps open() from waiting at a FIFO.
-int openRegular(const std::string& path, int flags) {
-    struct stat status {};
-    if (path.find('\0') != std::string::npos) return -1;
-    if (stat(path.c_str(), &status) == 0 && !isRegular(status)) return -1;
-    const int handle = open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
-    if (handle < 0) return -1;
-    if (fstat(handle, &status) == 0 && isRegular(status)) return handle;
-    close(handle);
-    return -1;
-}
-
-/// Opened without O_TRUNC, so that a file which took the place of another after it was looked at
-/// is not emptied unless it is a regular one.
-int create(const std::string& path) {
-    const int handle = openRegular(path, O_WRONLY | O_CREAT);
-    if (handle < 0 || ftruncate(handle, 0) == 0) return handle;
-    close(handle);
-    return -1;
+/// Owned by the caller; -1 when the file does not open.
+int openFile(const std::string& path, RandomFile::Mode mode) {
+    std::error_code error = checkPath(path);
+    if (error) return -1;
+    const bool reads = mode == RandomFile::Mode::READ;
+    return (reads ? openRegular(path, error) : createRegular(path, error)).release();
 }
 
 /// Calls `transfer(done)` until `count` bytes are through or no more get through.
@@ -55,8 +38,7 @@ std::size_t repeat(std::uint64_t offset, std::size_t count, Transfer transfer) {
 
 }  // namespace
 
-RandomFile::RandomFile(const std::string& path, Mode mode)
-    : handle_(mode == Mode::READ ? openRegular(path, O_RDONLY) : create(path)) {}
+RandomFile::RandomFile(const std::string& path, Mode mode) : handle_(openFile(path, mode)) {}
 
 RandomFile::~RandomFile() {
     if (isOpen()) close();

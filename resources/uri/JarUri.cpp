@@ -1,6 +1,7 @@
 // Opening members of zip archives.
 #include "resources/uri/JarUri.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include <RynCommon/RyZipFile.h>
@@ -19,11 +20,10 @@ constexpr std::u16string_view SEPARATOR = u"!/";
 constexpr std::uint64_t BLOCK_BYTES = 64 * 1024;
 
 bool isNestedTooDeep(std::u16string_view uri) {
-    int levels = 0;
-    for (; hasPrefix(uri, PREFIX) && levels <= MAX_ARCHIVE_NESTING; ++levels) {
-        uri.remove_prefix(PREFIX.size());
-    }
-    return levels > MAX_ARCHIVE_NESTING;
+    const std::uint32_t most = RyZipFile::getDefaultLimits().nestedArchives;
+    std::uint32_t levels = 0;
+    for (; hasPrefix(uri, PREFIX) && levels <= most; ++levels) uri.remove_prefix(PREFIX.size());
+    return levels > most;
 }
 
 bool canSeek(std::istream& in) {
@@ -40,35 +40,42 @@ Opened openArchive(const RyUri& archive) {
         return notOpened(archive.isJarScheme() ? source.error : failure + u": " + source.error);
     }
     if (isSupplied || !archive.isFile() || !canSeek(*source.stream)) {
-        source.stream = copyArchive(*source.stream, MAX_ARCHIVE_BYTES);
-        if (!source.stream) return notOpened(failure + u": larger than 1 GiB");
+        source.stream = copyArchive(*source.stream, RyZipFile::getDefaultLimits().copiedBytes);
+        if (!source.stream) return notOpened(failure + u": too large");
     }
     if (!RyZipFile::isZipFile(source.stream.get())) return notOpened(failure + u": not a zip file");
     return source;
 }
 
-/// The directory at the archive's end knows the sizes that the headers of archives written to a
-/// pipe lack; an archive that lost its end still has its headers. Null when there is no such
-/// member.
+RyPtr<RyZipFileEntry> findMember(std::istream& source, const UnicodeString& member,
+                                 bool useDirectory) {
+    source.clear();
+    source.seekg(0);
+    RyZipFile archive;
+    archive.setUseCentralDirectory(useDirectory);
+    archive.open(&source, false);
+    return RyPtr<RyZipFileEntry>(zip::findMember(archive, member));
+}
+
+/// The local headers of an archive that was written to a pipe lack sizes: its members seem empty,
+/// and the walk ends at the first. Only the directory at the archive's end knows better. Null when
+/// there is no such member.
 std::unique_ptr<std::istream> openMember(std::istream& source, std::u16string_view member) {
-    for (const bool useDirectory : {true, false}) {
-        source.clear();
-        source.seekg(0);
-        RyZipFile archive;
-        archive.setUseCentralDirectory(useDirectory);
-        archive.open(&source, false);
-        if (RyZipFileEntry* const entry = zip::findMember(archive, toText(member))) {
-            return std::unique_ptr<std::istream>(entry->getUncompressedStream(true));
-        }
+    const UnicodeString name = toText(member);
+    RyPtr<RyZipFileEntry> entry = findMember(source, name, false);
+    if (!entry || entry->getCompressedSize() == 0) {
+        const RyPtr<RyZipFileEntry> listed = findMember(source, name, true);
+        if (listed) entry = listed;
     }
-    return nullptr;
+    return std::unique_ptr<std::istream>(entry ? entry->getUncompressedStream(true) : nullptr);
 }
 
 }  // namespace
 
 std::unique_ptr<RyMemStream> copyArchive(std::istream& source, std::uint64_t limit) {
     auto copy = std::make_unique<RyMemStream>(nullptr, BLOCK_BYTES);
-    return copy->copyStream(source, limit + 1) > limit ? nullptr : std::move(copy);
+    const std::uint64_t most = std::max(limit, limit + 1);  // without a limit there is no more
+    return copy->copyStream(source, most) > limit ? nullptr : std::move(copy);
 }
 
 Opened openJar(const RyUri& uri) {
