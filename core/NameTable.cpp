@@ -1,5 +1,6 @@
 // The run-time names of a table.
 #include "core/NameTable.h"
+#include "core/MemoryCheck.h"
 
 #include <algorithm>
 #include <bit>
@@ -42,16 +43,6 @@ RuntimeNames::~RuntimeNames() {
 
 std::size_t RuntimeNames::count() const {
     return static_cast<std::size_t>(last_.load(std::memory_order_relaxed) - RYNAME_BUILTIN_LAST);
-}
-
-RuntimeNames::Place RuntimeNames::placeOf(std::size_t index) {
-    const auto block = static_cast<std::size_t>(std::bit_width(index / FIRST_BLOCK + 1)) - 1;
-    return {block, index - FIRST_BLOCK * ((std::size_t{1} << block) - 1)};
-}
-
-const UnicodeString& RuntimeNames::text(RyNameEnum number) const {
-    const Place place = placeOf(static_cast<std::size_t>(number - RYNAME_BUILTIN_LAST - 1));
-    return blocks_[place.block].load(std::memory_order_relaxed)[place.offset];
 }
 
 std::size_t RuntimeNames::slotOf(const char16_t* text, std::int32_t length,
@@ -100,7 +91,7 @@ void RuntimeNames::growSlots() {
 
 void RuntimeNames::appendText(const char16_t* text, std::int32_t length) {
     UnicodeString name(text, length);
-    if (name.isBogus()) throw std::bad_alloc();
+    requireWhole(name);
     const Place place = placeOf(count());
     UnicodeString* block = blocks_[place.block].load(std::memory_order_relaxed);
     if (block == nullptr) {

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <atomic>
+#include <bit>
 #include <vector>
 
 #include <RynCommon/Forward.h>
@@ -21,6 +22,9 @@ const UnicodeString& builtinNameString(RyNameEnum number);
 
 /// Interns in the shared table by view: a text that is known already makes no string.
 RyNameEnum internSharedName(const char16_t* text, std::int32_t length);
+
+/// Counts the shared tables that are gone. Numbers of run-time names are good for one generation.
+unsigned sharedNameGeneration() noexcept;
 
 /// The run-time names of a table: numbers from RYNAME_BUILTIN_LAST + 1 on, in the order of first
 /// use.
@@ -51,7 +55,10 @@ public:
     /// The number, which is the next free one for an unknown text.
     RyNameEnum intern(const char16_t* text, std::int32_t length, std::uint32_t hash);
     /// `number` is in RYNAME_BUILTIN_LAST + 1 to last(). Needs no lock.
-    const UnicodeString& text(RyNameEnum number) const;
+    const UnicodeString& text(RyNameEnum number) const {
+        const Place place = placeOf(static_cast<std::size_t>(number - RYNAME_BUILTIN_LAST - 1));
+        return blocks_[place.block].load(std::memory_order_relaxed)[place.offset];
+    }
 
 private:
     struct Slot {
@@ -69,7 +76,10 @@ private:
         std::size_t block;
         std::size_t offset;
     };
-    static Place placeOf(std::size_t index);
+    static Place placeOf(std::size_t index) {
+        const auto block = static_cast<std::size_t>(std::bit_width(index / FIRST_BLOCK + 1)) - 1;
+        return {block, index - FIRST_BLOCK * ((std::size_t{1} << block) - 1)};
+    }
 
     std::vector<Slot> slots_;  // a power of two, at most half full
     // Texts never move: block k has room for FIRST_BLOCK << k of them, so that a number leads to

@@ -11,6 +11,7 @@
 
 #include <RynCommon/RyString.h>
 
+#include "core/MemoryCheck.h"
 #include "core/SlabMemory.h"
 #include "core/UnitScan.h"
 
@@ -158,6 +159,7 @@ void RyCompactText::copyTo(UnicodeString& text) const {
 void RyCompactText::appendTo(UnicodeString& text) const {
     if (hasBlock() && block()->isWide()) {
         text.append(block()->units(), length());
+        requireWhole(text);
         return;
     }
     // In pieces: the string's own append grows its buffer by more than it needs, which keeps long
@@ -170,6 +172,7 @@ void RyCompactText::appendTo(UnicodeString& text) const {
         text.append(piece, static_cast<std::int32_t>(count));
         at += count;
     }
+    requireWhole(text);
 }
 
 bool RyCompactText::equals(const UnicodeString& text) const {

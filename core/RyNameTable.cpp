@@ -19,6 +19,7 @@ namespace RynCommon {
 namespace {
 
 constinit std::atomic<RyNameTable*> sharedNameTable{nullptr};
+constinit std::atomic<unsigned> tablesGone{0};
 
 RyLock& tableLock() {
     static Immortal<RyLock> lock;
@@ -31,6 +32,10 @@ bool isBuiltinNumber(RyNameEnum number) {
 
 }  // namespace
 
+unsigned sharedNameGeneration() noexcept {
+    return tablesGone.load(std::memory_order_acquire);
+}
+
 struct RyNameTable::Rep {
     RuntimeNames names;
 };
@@ -40,7 +45,7 @@ RyNameTable::RyNameTable() : rep_(std::make_unique<Rep>()) {}
 RyNameTable::~RyNameTable() {
     const RyMutex guard(tableLock());
     RyNameTable* self = this;
-    sharedNameTable.compare_exchange_strong(self, nullptr);
+    if (sharedNameTable.compare_exchange_strong(self, nullptr)) ++tablesGone;
 }
 
 unsigned int RyNameTable::getTypeID() const {
@@ -116,7 +121,8 @@ const UnicodeString& RyNameTable::getSharedNameString(RyNameEnum number) {
     if (isBuiltinNumber(number)) return getBuiltinNameString(number);
     // Texts stay where they are and are there before their number is told, so no lock is needed.
     const RyNameTable* const table = sharedNameTable.load(std::memory_order_acquire);
-    return table != nullptr ? table->getNameString(number) : RyEmptyString::EMPTY_VALUE;
+    if (table == nullptr || number > table->rep_->names.last()) return RyEmptyString::EMPTY_VALUE;
+    return table->rep_->names.text(number);
 }
 
 RyNameEnum RyNameTable::getNameEnum(const UnicodeString& text) {

@@ -1,102 +1,28 @@
-// Fuzz target of the XML parser. Every input has to end; how its bytes arrive must not matter; and
-// next() must be what nextToken() gives, merged.
-//
-// The first byte of the input chooses features and the encoding told by the caller, the rest is the
-// document. External entities and DTDs come from a resolver that never opens anything.
-#include <RynCommon/RyError.h>
+// Fuzz target of the XML parser. Every input has to end; how its bytes arrive must not matter;
+// next() must be what nextToken() gives, merged; and who has errors reported sees what who has them
+// thrown sees, and then goes on.
 #include <RynCommon/RyName.h>
-#include <RynCommon/RyUri.h>
-#include <RynCommon/RyXmlParser.h>
 #include <RynCommon/RyXmlUtil.h>
 
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <istream>
-#include <sstream>
-#include <streambuf>
-#include <string>
+#include <optional>
+
+#include "fuzz/Chunks.h"
+#include "fuzz/Require.h"
+#include "fuzz/XmlInput.h"
 
 using namespace RynCommon;
 
 namespace {
 
-/// Hands out `step` bytes each time it is asked; nothing more is ready.
-class ChunkBuf : public std::streambuf {
-public:
-    ChunkBuf(const std::string& bytes, std::size_t step) : bytes_(bytes), step_(step) {}
-
-protected:
-    int_type underflow() override {
-        if (position_ >= bytes_.size()) return traits_type::eof();
-        const std::size_t count = std::min(step_, bytes_.size() - position_);
-        char* start = bytes_.data() + position_;
-        setg(start, start, start + count);
-        position_ += count;
-        return traits_type::to_int_type(*start);
-    }
-
-private:
-    std::string bytes_;
-    std::size_t step_;
-    std::size_t position_ = 0;
-};
-
-/// A few resources by the last letter of their URI; the rest is empty.
-class FixedResources : public RyUriReferenceResolver {
-public:
-    std::istream* getStream(const UnicodeString& uri, UnicodeString*) override {
-        const char16_t last = uri.isEmpty() ? u'\0' : uri[uri.length() - 1];
-        return new std::istringstream(last == u'd'   ? DTD
-                                      : last == u'x' ? ENTITY
-                                      : last == u'r' ? RECURSIVE
-                                                     : "");
-    }
-
-private:
-    static constexpr const char* DTD =
-        "<?xml encoding='UTF-8'?><!ENTITY d 'dtd'><!ENTITY % p \"<!ENTITY q '&d;'>\">%p;"
-        "<![IGNORE[<!]]><!ATTLIST a y NMTOKEN ' z '>";
-    static constexpr const char* ENTITY = "<?xml encoding='ISO-8859-1'?>\xE9<x y='&amp;'/>&lt;";
-    static constexpr const char* RECURSIVE = "[&r;]";
-};
-
-struct Setting {
-    unsigned features;
-    const char* encoding;
-};
-
-bool isSetting(std::uint8_t byte) {
-    return byte >= 0x80 && byte < 0xC0;
-}
-
-Setting settingOf(std::uint8_t byte) {
-    static const char* const encodings[] = {"",       "UTF-8",  "ISO-8859-1", "UTF-16LE",
-                                            "UTF-16", "UTF-32", "cp932",      "UTF-16BE"};
-    constexpr unsigned noDtd = 1u << RyXmlParser::NO_EXTERNAL_DTD;
-    constexpr unsigned tolerant = 1u << RyXmlParser::TOLERANT_PREFIXES;
-    constexpr unsigned raw = 1u << RyXmlParser::RAW_UNKNOWN_ENCODING;
-    constexpr unsigned builtin = 1u << RyXmlParser::BUILTIN_ENCODINGS_ONLY;
-    static const unsigned features[] = {0,       noDtd,         tolerant,         raw,
-                                        builtin, raw | builtin, noDtd | tolerant, 0x3F};
-    if (!isSetting(byte)) return {0, ""};
-    return {features[(byte >> 3) & 7], encodings[byte & 7]};
-}
-
-void append(std::string& out, const UnicodeString& text) {
-    out += std::to_string(text.length()) + ":";
-    text.toUTF8String(out);
-}
-
 void appendTag(std::string& out, RyXmlParser& parser) {
-    append(out, parser.getNamespace().toString());
-    append(out, parser.getPrefix().toString());
-    append(out, parser.getName().toString());
+    appendText(out, parser.getNamespace().toString());
+    appendText(out, parser.getPrefix().toString());
+    appendText(out, parser.getName().toString());
     for (int i = 0; i < parser.getAttributeCount(); ++i) {
-        append(out, parser.getAttributeNamespace(i).toString());
-        append(out, parser.getAttributePrefix(i).toString());
-        append(out, parser.getAttributeName(i).toString());
-        append(out, parser.getAttributeValue(i));
+        appendText(out, parser.getAttributeNamespace(i).toString());
+        appendText(out, parser.getAttributePrefix(i).toString());
+        appendText(out, parser.getAttributeName(i).toString());
+        appendText(out, parser.getAttributeValue(i));
     }
 }
 
@@ -111,10 +37,10 @@ std::string eventText(RyXmlParser& parser) {
     if (event == RyXmlParser::START_TAG || event == RyXmlParser::END_TAG) {
         appendTag(out, parser);
     } else if (event == RyXmlParser::ENTITY_REF) {
-        append(out, parser.getName().toString());
-        if (parser.getName().isEmpty()) append(out, parser.getText());
+        appendText(out, parser.getName().toString());
+        if (parser.getName().isEmpty()) appendText(out, parser.getText());
     } else if (event != RyXmlParser::END_DOCUMENT && event != RyXmlParser::DOCDECL) {
-        append(out, parser.getText());
+        appendText(out, parser.getText());
     }
     return out + "\n";
 }
@@ -122,19 +48,16 @@ std::string eventText(RyXmlParser& parser) {
 /// What reading a document came to.
 struct Record {
     std::string events;
+    std::string positions;  ///< where the parser stood after each event
     std::string pending;  ///< character data that an error kept back; next() gives it first if the
                           ///< error is of a tag
     std::string error;    ///< code and message of the error thrown
     std::string told;     ///< the same of errors that were reported
+    std::optional<RyError> thrown;
+    std::optional<RyError> firstTold;
     bool ended = false;
     bool merged = true;  ///< whether all of it can be compared with what next() gives
 };
-
-std::string errorText(const RyError& error) {
-    std::string text = std::to_string(error.getErrorCode()) + " ";
-    error.getMessage().toUTF8String(text);
-    return text + "\n";
-}
 
 /// An error's text up to its position, whose event is a different one for tokens.
 std::string withoutPosition(const std::string& text) {
@@ -142,14 +65,13 @@ std::string withoutPosition(const std::string& text) {
 }
 
 void tell(const RyError& error, void* user) {
-    static_cast<Record*>(user)->told += errorText(error);
+    Record& record = *static_cast<Record*>(user);
+    if (!record.firstTold) record.firstTold = error;
+    record.told += errorText(error);
 }
 
-[[noreturn]] void fail(const char* what, const Record& a, const Record& b) {
-    std::fprintf(stderr, "%s\n--- one\n%s%s%s--- other\n%s%s%s", what, a.events.c_str(),
-                 a.told.c_str(), a.error.c_str(), b.events.c_str(), b.told.c_str(),
-                 b.error.c_str());
-    std::abort();
+std::string textOf(const Record& record) {
+    return record.events + record.positions + record.told + record.error;
 }
 
 /// The text of one predefined entity, empty for any other.
@@ -192,7 +114,7 @@ private:
     std::string textEvent() const {
         if (text_.isEmpty()) return {};
         std::string event = "#4 ";
-        append(event, text_);
+        appendText(event, text_);
         return event + "\n";
     }
 
@@ -212,6 +134,8 @@ void pull(RyXmlParser& parser, Mode mode, std::size_t most, Record& record) {
     for (std::size_t count = 0; count < most; ++count) {
         const RyXmlParser::EventType event =
             mode == Mode::NEXT ? parser.next() : parser.nextToken();
+        record.positions += std::to_string(parser.getLineNumber()) + ":" +
+                            std::to_string(parser.getColumnNumber()) + " ";
         if (mode == Mode::MERGED_TOKENS) {
             merger.take(parser);
         } else {
@@ -225,25 +149,20 @@ void pull(RyXmlParser& parser, Mode mode, std::size_t most, Record& record) {
     }
 }
 
-Record read(const std::string& bytes, Setting setting, Mode mode, std::size_t chunk, bool told) {
+using Chunks = std::vector<std::size_t>;
+
+Record read(const XmlInput& input, Mode mode, const Chunks& chunks, bool told) {
     Record record;
     const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
-    for (int i = 0; i < 6; ++i) {
-        parser->setFeature(static_cast<RyXmlParser::Feature>(i),
-                           ((setting.features >> i) & 1) != 0);
-    }
-    RyXmlLimits limits;
-    limits.expansionThreshold = 20'000;
-    limits.expansionFactor = 10;
-    limits.nestedInputs = 16;
-    parser->setLimits(limits);
+    prepareParser(*parser, input.features);
     if (told) parser->setCallbackError(&tell, &record);
-    ChunkBuf buffer(bytes, chunk);
+    ChunkBuf buffer(input.bytes, chunks);
     std::istream in(&buffer);
     try {
-        parser->setInput(in, UnicodeString(setting.encoding), UnicodeString(u"http://f.example/"));
-        pull(*parser, mode, 100'000 + 100 * bytes.size(), record);
+        parser->setInput(in, input.encoding, UnicodeString(FUZZ_BASE));
+        pull(*parser, mode, 100'000 + 100 * input.bytes.size(), record);
     } catch (const RyError& error) {
+        record.thrown = error;
         record.error = errorText(error);
         record.ended = true;
     }
@@ -251,41 +170,58 @@ Record read(const std::string& bytes, Setting setting, Mode mode, std::size_t ch
 }
 
 void requireSame(const char* what, const Record& a, const Record& b) {
-    if (a.events != b.events || a.error != b.error || a.told != b.told) fail(what, a, b);
+    requireEqual(what, textOf(a), textOf(b));
 }
 
-void check(const std::string& bytes, Setting setting) {
-    for (const Mode mode : {Mode::NEXT, Mode::TOKENS}) {
-        for (const bool told : {false, true}) {
-            const Record whole = read(bytes, setting, mode, bytes.size() + 1, told);
-            if (!whole.ended) fail("does not end", whole, whole);
-            if (whole.events.empty() && whole.error.empty()) fail("says nothing", whole, whole);
-            if (told != (mode == Mode::TOKENS)) continue;  // one of both is enough for each mode
-            for (std::size_t chunk = 1; chunk <= 7; ++chunk) {
-                requireSame("chunks differ", whole, read(bytes, setting, mode, chunk, told));
-            }
-        }
+/// The error thrown is the first one reported, with its position and without the flags.
+void checkFirstError(const Record& thrown, const Record& told) {
+    constexpr unsigned flags = 0x0700;
+    const RyError& first = *told.firstTold;
+    require(thrown.thrown && (first.getErrorCode() & ~flags) == thrown.thrown->getErrorCode() &&
+                thrown.thrown->getMessage().startsWith(first.getMessage() + u"\n"),
+            "another error is thrown than reported", textOf(thrown), textOf(told));
+    require(told.events.starts_with(thrown.events) && told.positions.starts_with(thrown.positions),
+            "events before the first error differ", textOf(thrown), textOf(told));
+}
+
+void checkReporting(const Record& thrown, const Record& told) {
+    if (told.firstTold)
+        checkFirstError(thrown, told);
+    else
+        requireSame("reporting changes what is read", thrown, told);
+}
+
+void checkMode(const XmlInput& input, Mode mode, const Chunks& whole) {
+    const Record thrown = read(input, mode, whole, false);
+    const Record told = read(input, mode, whole, true);
+    for (const Record& record : {thrown, told}) {
+        require(record.ended, "does not end", textOf(record));
+        require(!record.events.empty() || !record.error.empty(), "says nothing");
     }
-    for (const bool told : {false, true}) {
-        Record next = read(bytes, setting, Mode::NEXT, bytes.size() + 1, told);
-        Record merged = read(bytes, setting, Mode::MERGED_TOKENS, bytes.size() + 1, told);
-        if (!merged.merged) continue;
-        next.error = withoutPosition(next.error);
-        merged.error = withoutPosition(merged.error);
-        if (next.events == merged.events + merged.pending) merged.events = next.events;
-        requireSame("tokens differ from next", next, merged);
-    }
+    checkReporting(thrown, told);
+    // One of both is enough for each mode.
+    const bool isTold = mode == Mode::TOKENS;
+    for (const Chunks& chunks : {Chunks{1}, Chunks{3}, chunkSizes(input.bytes)})
+        requireSame("chunks differ", isTold ? told : thrown, read(input, mode, chunks, isTold));
+}
+
+void checkMerging(const XmlInput& input, bool told, const Chunks& whole) {
+    Record next = read(input, Mode::NEXT, whole, told);
+    Record merged = read(input, Mode::MERGED_TOKENS, whole, told);
+    if (!merged.merged) return;
+    if (next.events == merged.events + merged.pending) merged.events = next.events;
+    requireEqual("tokens differ from next", next.events, merged.events);
+    requireEqual("tokens report otherwise", next.told, merged.told);
+    requireEqual("tokens fail otherwise", withoutPosition(next.error),
+                 withoutPosition(merged.error));
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static FixedResources resources;
-    if (size == 0) return 0;
-    RyUriReferenceResolver* const previous = RyUri::setUriReferenceResolver(&resources);
-    const std::size_t start = isSetting(data[0]) ? 1 : 0;
-    check(std::string(reinterpret_cast<const char*>(data) + start, size - start),
-          settingOf(data[0]));
-    RyUri::setUriReferenceResolver(previous);
+    const XmlInput input(data, size);
+    const Chunks whole{input.bytes.size() + 1};
+    for (const Mode mode : {Mode::NEXT, Mode::TOKENS}) checkMode(input, mode, whole);
+    for (const bool told : {false, true}) checkMerging(input, told, whole);
     return 0;
 }

@@ -10,7 +10,8 @@ BUILD_PACKAGES=(
     g++ cmake ninja-build pkg-config
     libicu-dev zlib1g-dev libcurl4-openssl-dev uuid-dev libhwy-dev
 )
-TEST_PACKAGES=(libgtest-dev libcpp-httplib-dev libssl-dev)
+# Expat is the second reader of the fuzz targets, whose seeds are tests.
+TEST_PACKAGES=(libgtest-dev libcpp-httplib-dev libssl-dev libexpat1-dev)
 # Google Benchmark, and the peers.
 BENCH_PACKAGES=(
     python3 libbenchmark-dev libexpat1-dev libxml2-dev libpugixml-dev libzip-dev libminizip-dev libgsf-1-dev

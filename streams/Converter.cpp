@@ -46,6 +46,11 @@ void U_CALLCONV substituteMissing(const void* context, UConverterFromUnicodeArgs
     }
 }
 
+/// Leaves the error as it is. ICU's own callback lets characters that are ignored by default (soft
+/// hyphens, variation selectors) vanish from the data unnoticed.
+void U_CALLCONV stopAtMissing(const void*, UConverterFromUnicodeArgs*, const UChar*, std::int32_t,
+                              UChar32, UConverterCallbackReason, UErrorCode*) {}
+
 class IcuDecoder final : public Decoder {
 public:
     explicit IcuDecoder(icu::LocalUConverterPointer converter) : converter_(std::move(converter)) {}
@@ -126,7 +131,7 @@ std::unique_ptr<Decoder> openDecoder(std::string_view encoding) {
 Encoder::Encoder(std::string_view encoding, bool strict) : converter_(openMarkless(encoding)) {
     if (!isOpen()) return;
     unicode_ = isUnicodeForm(*converter_);
-    setMissingCallback(*converter_, UCNV_FROM_U_CALLBACK_STOP, nullptr);
+    setMissingCallback(*converter_, stopAtMissing, nullptr);
     if (!strict) {
         setMissingCallback(*converter_, substituteMissing, findSubstitute(*converter_));
     }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 
 namespace RynCommon::streams {
 
@@ -75,6 +76,7 @@ icu::LocalUConverterPointer openConverter(std::string_view name) {
     if (!isName(name)) return converter;
     UErrorCode status = U_ZERO_ERROR;
     converter.adoptInstead(ucnv_open(toConverterName(name).c_str(), &status));
+    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
     if (U_FAILURE(status) || (converter.isValid() && isRefused(*converter))) {
         converter.adoptInstead(nullptr);
     }

@@ -3,6 +3,7 @@
 #include <zlib.h>
 
 #include <array>
+#include <new>
 #include <string>
 #include <system_error>
 
@@ -77,8 +78,10 @@ RyGzipOStreamBuf::~RyGzipOStreamBuf() {
 }
 
 void RyGzipOStreamBuf::initZStream() {
-    impl_->running = deflateInit2(&impl_->stream, LEVEL, Z_DEFLATED, GZIP_WINDOW_BITS, MEMORY_LEVEL,
-                                  Z_DEFAULT_STRATEGY) == Z_OK;
+    const int status = deflateInit2(&impl_->stream, LEVEL, Z_DEFLATED, GZIP_WINDOW_BITS,
+                                    MEMORY_LEVEL, Z_DEFAULT_STRATEGY);
+    if (status == Z_MEM_ERROR) throw std::bad_alloc();
+    impl_->running = status == Z_OK;
     impl_->clearRoom();
     setp(impl_->inBuffer.data(), impl_->inBuffer.data() + BLOCK);
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
+#include <new>
 
 namespace RynCommon::streams {
 
@@ -26,7 +27,9 @@ Inflation::Inflation(Format format) : format_(format) {
 
 void Inflation::open() {
     const bool isRaw = format_ == Format::Raw;
-    open_ = inflateInit2(&stream_, isRaw ? RAW_WINDOW_BITS : GZIP_WINDOW_BITS) == Z_OK;
+    const int status = inflateInit2(&stream_, isRaw ? RAW_WINDOW_BITS : GZIP_WINDOW_BITS);
+    if (status == Z_MEM_ERROR) throw std::bad_alloc();
+    open_ = status == Z_OK;
     if (open_ && !isRaw) inflateValidate(&stream_, 0);
 }
 
@@ -64,6 +67,7 @@ Inflation::Result Inflation::run(const char*& from, const char* fromEnd, char*& 
         const char* const toBefore = to;
         const int status = step(from, fromEnd, to, toEnd, last ? Z_FINISH : Z_NO_FLUSH);
         if (status == Z_STREAM_END) return Result::Ended;
+        if (status == Z_MEM_ERROR) throw std::bad_alloc();
         if (status != Z_OK && status != Z_BUF_ERROR) return Result::Broken;
         if (from == fromBefore && to == toBefore) break;
     }

@@ -15,6 +15,7 @@
 
 #include "core/ErrorLocations.h"
 #include "core/Immortal.h"
+#include "core/MemoryCheck.h"
 #include "platform/TempFiles.h"
 #include "streams/RawInflate.h"
 
@@ -38,7 +39,7 @@ UnicodeString fromUtf8(const char* text) {
     if (text == nullptr)
         result.setToBogus();
     else
-        result = UnicodeString::fromUTF8(text);
+        result = takeWhole(UnicodeString::fromUTF8(text));
     return result;
 }
 
@@ -60,11 +61,12 @@ public:
     UnicodeString create(const UnicodeString& dir, const UnicodeString& prefix,
                          const UnicodeString& suffix) {
         const std::lock_guard<std::mutex> lock(mutex_);
-        const UnicodeString base = (dir.isBogus() ? findDirectory() : dir) + prefix;
+        const UnicodeString& folder = dir.isBogus() ? findDirectory() : dir;
         int taken = 0;
         int failed = 0;
         while (true) {
-            const UnicodeString path = base + makeNumber() + suffix;
+            const UnicodeString path =
+                takeWhole(UnicodeString(folder).append(prefix).append(makeNumber()).append(suffix));
             const std::error_code error = platform::createNewFile(toUtf8(path));
             if (!error) return path;
             if (error == std::errc::file_exists ? ++taken == MOST_TAKEN_NAMES
@@ -77,9 +79,10 @@ private:
     const UnicodeString& findDirectory() {
         if (!directory_.isEmpty()) return directory_;
         const std::string bytes = platform::getTempDirectory();
-        directory_ = UnicodeString::fromUTF8(bytes);
+        UnicodeString directory = takeWhole(UnicodeString::fromUTF8(bytes));
         // A path that is not UTF-8 has no text that leads there.
-        if (toUtf8(directory_) != bytes) directory_ = u"/tmp/";
+        if (toUtf8(directory) != bytes) directory = u"/tmp/";
+        directory_ = std::move(directory);
         return directory_;
     }
 

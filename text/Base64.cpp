@@ -5,6 +5,8 @@
 
 #include <RynCommon/RyUtil.h>
 
+#include "core/MemoryCheck.h"
+
 namespace RynCommon {
 
 namespace {
@@ -66,11 +68,6 @@ void encodeStream(std::istream& in, Append append) {
         append(letters.data(), encodeBlock(bytes, count, letters));
     } while (count == BLOCK_BYTES);
     in.setstate(std::ios_base::eofbit);
-}
-
-/// ICU marks a string that it could not grow as bogus.
-void checkGrown(const UnicodeString& text) {
-    if (text.isBogus()) throw std::bad_alloc();
 }
 
 /// Breaks the letters into lines as they come.
@@ -153,8 +150,9 @@ private:
 
 UnicodeString RyUtil::encodeBase64(std::istream& in, int sizeHint) {
     UnicodeString result(reserveFor(sizeHint), 0, 0);
-    encodeStream(
-        in, [&](const char16_t* letters, int count) { checkGrown(result.append(letters, count)); });
+    encodeStream(in, [&](const char16_t* letters, int count) {
+        requireWhole(result.append(letters, count));
+    });
     return result;
 }
 
@@ -165,7 +163,7 @@ UnicodeString RyUtil::encodeBase64(std::istream& in, int sizeHint,
     LineWriter lines(result, lineSeparator, indent);
     encodeStream(in, [&](const char16_t* letters, int count) {
         lines.append(letters, count);
-        checkGrown(result);
+        requireWhole(result);
     });
     return result;
 }

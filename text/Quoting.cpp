@@ -12,6 +12,7 @@
 #include <unicode/uchar.h>
 #include <unicode/utf16.h>
 
+#include "core/MemoryCheck.h"
 #include "text/NumberText.h"
 
 namespace RynCommon {
@@ -96,6 +97,7 @@ void appendQuoted(UnicodeString& out, std::u16string_view text, RyQuoteMode mode
         return text[i] == quote || isLineBreak(text[i]);
     });
     out.append(quote);
+    requireWhole(out);
 }
 
 void appendUnescaped(UnicodeString& out, std::u16string_view contents) {
@@ -110,6 +112,7 @@ void appendUnescaped(UnicodeString& out, std::u16string_view contents) {
         backslash = contents.find(u'\\');
     }
     append(out, contents);
+    requireWhole(out);
 }
 
 UnicodeString RyUtil::quoteString(const UnicodeString& text, RyQuoteMode mode) {
@@ -146,7 +149,9 @@ UnicodeString RyUtil::quoteUri(const UnicodeString& uri) {
     appendEscaped(result, view, [&](std::size_t i) {
         return isQuote(view[i]) || view[i] == u'\\' || isLineBreak(view[i]);
     });
-    return result.append(u"\")", 2);
+    result.append(u"\")", 2);
+    requireWhole(result);
+    return result;
 }
 
 UnicodeString RyUtil::unquoteUri(const UnicodeString& text) {
@@ -156,6 +161,7 @@ UnicodeString RyUtil::unquoteUri(const UnicodeString& text) {
         trimmed.truncate(trimmed.length() - 1);
         trimmed.remove(0, 4).trim();
     }
+    requireWhole(trimmed);
     std::u16string_view view = viewOf(trimmed);
     if (isQuoted(view)) view = view.substr(1, view.size() - 2);
     UnicodeString result;

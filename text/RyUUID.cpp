@@ -2,6 +2,7 @@
 #include <RynCommon/RyUUID.h>
 #include <uuid/uuid.h>
 
+#include "core/MemoryCheck.h"
 #include "text/NumberText.h"
 
 namespace RynCommon {
@@ -15,6 +16,7 @@ RyUUID::RyUUID() {
 UnicodeString RyUUID::toString() const {
     UnicodeString text;
     for (const std::uint8_t byte : bytes_) appendHex(text, byte, 2);
+    requireWhole(text);
     return text;
 }
 

@@ -11,6 +11,7 @@
 
 #include <RynCommon/RyColor.h>
 
+#include "core/MemoryCheck.h"
 #include "core/NameTable.h"
 #include "text/Quoting.h"
 #include "values/ColorKeywords.h"
@@ -52,7 +53,7 @@ RyNameEnum findMarker(std::u16string_view text) {
 }
 
 UnicodeString toText(std::u16string_view view) {
-    return UnicodeString(view.data(), static_cast<std::int32_t>(view.size()));
+    return takeWhole(UnicodeString(view.data(), static_cast<std::int32_t>(view.size())));
 }
 
 /// A colour from the arguments of a profile. Empty when their number fits no kind.

@@ -9,6 +9,7 @@
 // computed; where it was given nevertheless, the marker #SEPARATION in front of the name says so.
 #include "values/ColorText.h"
 
+#include "core/MemoryCheck.h"
 #include "text/NumberText.h"
 #include "text/Quoting.h"
 #include "values/ColorParts.h"
@@ -139,6 +140,7 @@ bool appendColorText(UnicodeString& text, const RyValue& color) {
 UnicodeString RyColor::toString(bool named) const {
     UnicodeString text;
     appendColorText(text, *this, named);
+    requireWhole(text);
     return text;
 }
 

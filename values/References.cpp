@@ -8,6 +8,7 @@
 #include <unicode/locid.h>
 #include <unicode/ustring.h>
 
+#include "core/MemoryCheck.h"
 #include "core/NameTable.h"
 #include "text/NumberText.h"
 #include "values/TokenScanner.h"
@@ -79,7 +80,7 @@ constexpr Destination DESTINATIONS[] = {
 
 const Destination* findDestination(std::u16string_view keyword) {
     UnicodeString lower = copyText(keyword);
-    lower.toLower(icu::Locale::getRoot());
+    requireWhole(lower.toLower(icu::Locale::getRoot()));
     const RyNameEnum name = findBuiltinName(lower.getBuffer(), lower.length());
     for (const Destination& destination : DESTINATIONS)
         if (destination.type == name) return &destination;
@@ -92,6 +93,7 @@ void ReferenceBuilder::addMalformed(std::u16string_view part) {
     if (part.empty()) return;
     if (!malformed_.isEmpty()) malformed_.append(joiner_);
     malformed_.append(part.data(), static_cast<std::int32_t>(part.size()));
+    requireWhole(malformed_);
 }
 
 RyValue ReferenceBuilder::build() {
@@ -100,7 +102,7 @@ RyValue ReferenceBuilder::build() {
 }
 
 UnicodeString copyText(std::u16string_view text) {
-    return UnicodeString(text.data(), static_cast<std::int32_t>(text.size()));
+    return takeWhole(UnicodeString(text.data(), static_cast<std::int32_t>(text.size())));
 }
 
 std::u16string_view trimSpace(std::u16string_view text) {
@@ -128,6 +130,7 @@ UnicodeString decodePercent(std::u16string_view text) {
         decoded.append(text.data(), static_cast<std::int32_t>(plain));
         text.remove_prefix(plain);
     }
+    requireWhole(decoded);
     return decoded;
 }
 

@@ -3,6 +3,7 @@
 
 #include <RynCommon/RyUtil.h>
 
+#include "core/MemoryCheck.h"
 #include "text/Quoting.h"
 #include "values/ColorParse.h"
 #include "values/NameChars.h"
@@ -13,12 +14,14 @@ namespace RynCommon {
 namespace {
 
 UnicodeString toText(std::u16string_view view) {
-    return UnicodeString(view.data(), static_cast<std::int32_t>(view.size()));
+    return takeWhole(UnicodeString(view.data(), static_cast<std::int32_t>(view.size())));
 }
 
 }  // namespace
 
-RyTokenizer::RyTokenizer(const UnicodeString& text) : source_(text) {}
+RyTokenizer::RyTokenizer(const UnicodeString& text) : source_(text) {
+    requireWhole(source_);
+}
 
 TokenScanner RyTokenizer::makeScanner() {
     return TokenScanner(viewText(source_), place_);

@@ -14,6 +14,7 @@
 #include <RynCommon/RyString.h>
 #include <RynCommon/RyUtil.h>
 
+#include "core/MemoryCheck.h"
 #include "values/Units.h"
 
 namespace RynCommon {
@@ -79,10 +80,11 @@ RyValue::RyValue(const UnicodeString& text, RyValueUnitType unit) : RyValue(RYVA
     string_ = copyText(text);
 }
 
-RyValue::RyValue(const char16_t* text, RyValueUnitType unit) : RyValue(UnicodeString(text), unit) {}
+RyValue::RyValue(const char16_t* text, RyValueUnitType unit)
+    : RyValue(takeWhole(UnicodeString(text)), unit) {}
 
 RyValue::RyValue(const char* text, RyValueUnitType unit)
-    : RyValue(text == nullptr ? UnicodeString() : UnicodeString::fromUTF8(text), unit) {}
+    : RyValue(text == nullptr ? UnicodeString() : takeWhole(UnicodeString::fromUTF8(text)), unit) {}
 
 RyValue::RyValue(RyRCObject* object) : RyValue(RYVALUE_RCOBJECT, RYUNIT_NONE) {
     object_ = object;

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "core/MemoryCheck.h"
 #include "core/NameTable.h"
 #include "text/NumberText.h"
 #include "text/Quoting.h"
@@ -225,6 +226,7 @@ UnicodeString unquoteItem(std::u16string_view item) {
         appendUnescaped(text, item.substr(1, end - 1));
         item.remove_prefix(std::min(end + 1, item.size()));
     }
+    requireWhole(text);
     return text;
 }
 

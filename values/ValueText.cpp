@@ -3,6 +3,7 @@
 #include <RynCommon/RyUtil.h>
 #include <RynCommon/RyValue.h>
 
+#include "core/MemoryCheck.h"
 #include "text/NumberText.h"
 #include "text/Quoting.h"
 #include "values/ColorText.h"
@@ -42,7 +43,7 @@ public:
         }
     }
 
-    UnicodeString takeText() { return std::move(text_); }
+    UnicodeString takeText() { return takeWhole(std::move(text_)); }
 
 private:
     void writeNumber(const RyValue& value) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <istream>
+#include <limits>
 #include <memory>
 #include <streambuf>
 #include <string>
@@ -16,6 +17,22 @@ namespace RynCommon {
 
 class OleCompFile;
 class RyUri;
+
+/// What a compound file may make its readers do. By default the file's own size bounds everything.
+/// What exceeds a limit is malformed.
+struct OleLimits {
+    static constexpr std::uint32_t UNLIMITED = std::numeric_limits<std::uint32_t>::max();
+
+    /// Sectors, or mini sectors, of one chain: of a stream, the directory, the mini FAT, the mini
+    /// stream; and sectors of the FAT. No chain is longer than its table in any case.
+    std::uint32_t chainSectors = UNLIMITED;
+    /// Entries of the directory, unused ones among them. An entry takes 128 bytes of the file.
+    std::uint32_t directoryEntries = UNLIMITED;
+    /// Bytes of a property set stream.
+    std::uint32_t propertySetBytes = std::numeric_limits<std::int32_t>::max();
+    /// Sections, properties and names of properties in a property set together.
+    std::uint32_t properties = UNLIMITED;
+};
 
 /// Kinds of directory entries.
 enum OleStorageType : std::int32_t {
@@ -124,9 +141,10 @@ private:
 };
 
 /// A compound file, for reading. Every failure is a false, a null pointer or a negative number;
-/// nothing is thrown. Every chain of sectors is bounded by its table, and one that returns to a
-/// sector of its own fails. Sector n begins at 512 + n times its size, whatever the size: the
-/// header counts as 512 bytes in files with larger sectors, too (kept so).
+/// nothing is thrown but std::bad_alloc, instead of which most of opening fails, too.
+/// Every chain of sectors is bounded by its table, and one that returns to a sector of its own
+/// fails. Sector n begins at 512 + n times its size, whatever the size: the header counts as 512
+/// bytes in files with larger sectors, too (kept so).
 class RYNCOMMON_API OleCompFile {
 public:
     /// What kind of office document a compound file holds.
@@ -143,6 +161,10 @@ public:
     OleCompFile(const OleCompFile&) = delete;
     OleCompFile& operator=(const OleCompFile&) = delete;
     virtual ~OleCompFile();
+
+    /// For files opened from now on, and for property sets read of them.
+    void setLimits(const OleLimits& limits);
+    const OleLimits& getLimits() const;
 
     /// Opens a file; `path` in UTF-8. What was open before is released; streams of it must be gone.
     bool OLEopen(const char* path);

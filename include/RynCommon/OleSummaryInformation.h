@@ -10,6 +10,7 @@
 namespace RynCommon {
 
 class OleCompFile;
+struct OleLimits;
 
 /// A class or format identifier, as read.
 struct RYNCOMMON_API OLE_CLSID {
@@ -20,7 +21,7 @@ struct RYNCOMMON_API OLE_CLSID {
 };
 
 /// Reads one property set stream of a compound file, which must outlive this object. Failures are
-/// negative results; nothing is thrown. Used by one thread at a time.
+/// negative results; nothing is thrown but std::bad_alloc. Used by one thread at a time.
 class RYNCOMMON_API OleSummaryInformation {
 public:
     OleSummaryInformation();
@@ -28,6 +29,9 @@ public:
     OleSummaryInformation& operator=(const OleSummaryInformation&) = delete;
     /// Closes the stream.
     virtual ~OleSummaryInformation();
+
+    /// For what is read from now on, instead of the limits of the file.
+    void setLimits(const OleLimits& limits);
 
     /// Reads the summary information. Its property 1 tells the code page of narrow strings, else
     /// they are read as "cp932". What an earlier init read is given up.
@@ -79,7 +83,7 @@ private:
     std::unique_ptr<Impl> impl_;
 };
 
-/// The properties of a document that every user asks for.
+/// The properties of a document that every user asks for, read within the limits of the file.
 class RYNCOMMON_API OlePropertySet {
 public:
     OlePropertySet();

@@ -69,7 +69,7 @@ public:
     RyElement* getDocumentElement() const;
 
     // Parser and serializer; made on first use. A load that has begun keeps its parser when another
-    // is set.
+    // is set. Loads have the features and limits of the parser: getParser()->setLimits().
     RyXmlParser* getParser();
     void setParser(RyXmlParser* parser);
     RyXmlSerializer* getSerializer();

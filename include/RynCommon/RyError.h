@@ -16,9 +16,9 @@ enum RyErrorCategory : std::uint16_t {
     RYERROR_XML = 0x1800      ///< the XML parsers
 };
 
-/// Every failure that the library reports. Thrown by value, caught by reference, and handed to the
-/// error callback of an XML parser. A plain value: copyable, no virtual operations.
-///
+/// Every failure that the library reports: a plain value, thrown and handed to parsers' callbacks.
+/// Lack of memory is code 2049 where documents or their events are read, loaded or saved, and lets
+/// std::bad_alloc pass elsewhere; no text is lost by it in silence, and objects stay usable.
 /// A code has a category in bits 11 to 15, flags in bits 8 to 10 (0x0400 marks a warning, which is
 /// never thrown) and a number in bits 0 to 7. Code 0 is no error.
 class RYNCOMMON_API RyError {

@@ -1,7 +1,9 @@
 // The pull interface through which every XML document is read.
 #pragma once
 
+#include <cstdint>
 #include <istream>
+#include <limits>
 
 #include <RynCommon/RyError.h>
 #include <RynCommon/RyName.h>
@@ -9,9 +11,12 @@
 
 namespace RynCommon {
 
-/// What a document may make the parser do beyond reading it. The defaults leave sane documents
-/// alone.
+/// What a document may make the parser do. The defaults leave sane documents alone, and do not
+/// bound what costs no more than the input's own size. What exceeds a limit ends reading with error
+/// 6208.
 struct RyXmlLimits {
+    static constexpr std::uint32_t UNLIMITED = std::numeric_limits<std::uint32_t>::max();
+
     /// Entity expansion, in characters, may exceed `expansionThreshold` only up to
     /// `expansionFactor` times the characters read from the input. An attribute that comes from
     /// its declaration counts 64 besides its value.
@@ -19,6 +24,13 @@ struct RyXmlLimits {
     std::uint32_t expansionFactor = 100;
     /// Entities and external inputs open within one another.
     std::uint32_t nestedInputs = 64;
+    /// Attributes of a start tag, namespace declarations and declared defaults among them.
+    std::uint32_t attributes = UNLIMITED;
+    /// Length of a name as it is spelt, its prefix among it, in UTF-16 units; the keywords of
+    /// declarations are names, too.
+    std::uint32_t nameLength = UNLIMITED;
+    /// Elements open in one another. Nothing recurses over them.
+    std::uint32_t depth = UNLIMITED;
 };
 
 /// A reader of one XML document (XML 1.0 with namespaces) that hands out one event after the other.
@@ -133,6 +145,7 @@ public:
     /// Enters the character entities of MathML 2; names already present are kept.
     virtual void addMathMLEntityMap() = 0;
 
+    /// For what is read from now on; kept from input to input.
     virtual void setLimits(const RyXmlLimits& limits) = 0;
     virtual const RyXmlLimits& getLimits() const = 0;
 

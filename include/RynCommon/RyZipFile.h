@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <istream>
+#include <limits>
 #include <map>
 #include <memory>
 #include <vector>
@@ -11,6 +12,28 @@
 #include <RynCommon/RyObject.h>
 
 namespace RynCommon {
+
+/// What an archive may make its reader do. The defaults leave sane archives alone. Nothing is
+/// thrown where a limit is exceeded.
+struct RyZipLimits {
+    static constexpr std::uint64_t UNLIMITED = std::numeric_limits<std::uint64_t>::max();
+
+    /// Members of an archive; those behind them are passed over.
+    std::uint64_t members = UNLIMITED;
+    /// Inflated bytes of a part that describes a package (content types, relationships,
+    /// properties): so many, and `partInflation` more for each byte of its compressed size. Sane
+    /// parts compress to a tenth. What stands behind them is not read.
+    std::uint64_t partBytes = std::uint64_t{4} << 20;
+    std::uint32_t partInflation = 64;
+    /// Attributes of all elements of such a part: a million relationships. The element that exceeds
+    /// it and what stands behind it is not read.
+    std::uint64_t partAttributes = 4'000'000;
+    /// Bytes of an archive that a `jar:` URI names and that has to be kept in memory, since it is
+    /// no file: 1 GiB. A larger one does not open.
+    std::uint64_t copiedBytes = std::uint64_t{1} << 30;
+    /// Archives within one another, as a `jar:` URI names them. More of them do not open.
+    std::uint32_t nestedArchives = 16;
+};
 
 /// A record of a zip archive, which begins with a signature.
 class RYNCOMMON_API RyZipEntry : public RyRCObject {
@@ -103,7 +126,8 @@ private:
 ///
 /// Members are found by walking the local headers from the stream's position; archives must carry
 /// their sizes there. setUseCentralDirectory() reads the directory at the archive's end instead.
-/// Nothing is thrown: what is no archive has no members. Copies share members and stream.
+/// Nothing is thrown but for lack of memory: what is no archive has no members. Copies share
+/// members and stream.
 class RYNCOMMON_API RyZipFile {
 public:
     /// Kinds of office documents, by the content type of the main part.
@@ -152,6 +176,14 @@ public:
     /// Takes packages of the strict conformance class, too. Off by default.
     void setAcceptStrict(bool accept);
 
+    /// Members count from the next open() on, parts from the next look-up on. An archive has the
+    /// default limits of when it was made.
+    void setLimits(const RyZipLimits& limits);
+    const RyZipLimits& getLimits() const;
+    /// The limits of archives made from now on, and of `jar:` URIs. May be called by any thread.
+    static void setDefaultLimits(const RyZipLimits& limits);
+    static RyZipLimits getDefaultLimits();
+
     unsigned int getFileEntryCount() const;
     /// The member at `index` in the archive's order; null when there is none. It stays the
     /// archive's; whoever keeps it counts a reference.
@@ -198,6 +230,7 @@ private:
 
     void init();
     void setContentType();
+    void readContentTypes(RyZipFileEntry& description);
     void makeRelationships(RyZipFileEntry* part);
 
     std::unique_ptr<Impl> impl_;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 
+#include "core/MemoryCheck.h"
 #include "text/NumberText.h"
 
 namespace RynCommon::ole {
@@ -97,6 +98,7 @@ UnicodeString CodePageDecoder::decode(std::string_view bytes) {
         if (!ended) text.append(units.data(), static_cast<std::int32_t>(nul - units.data()));
         ended = ended || nul != to;
     }
+    requireWhole(text);
     return text;
 }
 

@@ -14,10 +14,10 @@
 namespace RynCommon {
 
 struct OleCompFile::Impl {
-    /// Back to the closed state. The reader stays.
+    /// Back to the closed state. The reader and the limits stay.
     void clear();
     /// The sectors of the mini stream, found when the first mini stream opens; empty when it has
-    /// none or its chain returns to itself.
+    /// none, or its chain returns to itself or is too long.
     const ole::SectorChain& getMiniStream();
 
     /// Set when the reader is the file's own.
@@ -25,6 +25,7 @@ struct OleCompFile::Impl {
     JZIOobj* io = nullptr;
     /// Names that are not found are not reported.
     bool quiet = false;
+    OleLimits limits;
 
     ole::OleHeader header;
     ole::SectorReader reader;

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <new>
 
+#include "core/MemoryCheck.h"
 #include "resources/ole/CompFileState.h"
 
 namespace RynCommon {
@@ -47,7 +48,7 @@ bool isPath(const OleDirPath* path) {
 void OleCompFile::Impl::clear() {
     header = ole::OleHeader();
     reader = ole::SectorReader();
-    tables = ole::SectorTables();
+    tables = ole::SectorTables(limits.chainSectors);
     directory = ole::OleDirectory();
     miniStream.clear();
     miniStreamKnown = false;
@@ -56,19 +57,27 @@ void OleCompFile::Impl::clear() {
 /// The size of the mini stream is not asked: writers get it wrong, and its chain tells enough.
 const ole::SectorChain& OleCompFile::Impl::getMiniStream() {
     if (miniStreamKnown) return miniStream;
-    miniStreamKnown = true;
     const OleDirInfo* const root = directory.getRoot();
     const std::int32_t start = root == nullptr ? -1 : root->getStartSect();
-    const std::size_t size = tables.getSize(false);
-    const std::int32_t end = tables.collectChain(start, false, size, miniStream);
-    // Where the walk ended inside of the table, it had been before.
-    if (end >= 0 && static_cast<std::size_t>(end) < size) miniStream.clear();
+    const std::int32_t end =
+        tables.collectChain(start, false, tables.getLongest(false), miniStream);
+    // Where the walk ended inside of the table, it had been before, or may not go on.
+    if (end >= 0 && static_cast<std::size_t>(end) < tables.getSize(false)) miniStream.clear();
+    miniStreamKnown = true;
     return miniStream;
 }
 
 OleCompFile::OleCompFile() : impl_(std::make_unique<Impl>()) {}
 
 OleCompFile::~OleCompFile() = default;
+
+void OleCompFile::setLimits(const OleLimits& limits) {
+    impl_->limits = limits;
+}
+
+const OleLimits& OleCompFile::getLimits() const {
+    return impl_->limits;
+}
 
 bool OleCompFile::OLEopen(const char* path) {
     impl_->clear();
@@ -118,7 +127,8 @@ bool OleCompFile::buildMiniFAT() {
 }
 
 bool OleCompFile::buildDirInfo() {
-    return impl_->directory.load(impl_->header, impl_->reader, impl_->tables);
+    return impl_->directory.load(impl_->header, impl_->reader, impl_->tables,
+                                 impl_->limits.directoryEntries);
 }
 
 OleStream* OleCompFile::OLEopenStream(const OleDirPath* path) {
@@ -159,7 +169,7 @@ std::int32_t OleCompFile::getDirIndex(const OleDirPath* path) {
 
 std::int32_t OleCompFile::findDirEntryByName(const OleDirInfo* start, const char* name) {
     if (start == nullptr || name == nullptr) return -1;
-    return impl_->directory.find(*start, UnicodeString(name));
+    return impl_->directory.find(*start, takeWhole(UnicodeString(name)));
 }
 
 std::int32_t OleCompFile::getNextBlock(std::int32_t block, bool mini) const {

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 
+#include "core/MemoryCheck.h"
 #include "resources/ole/ByteOrder.h"
 
 namespace RynCommon {
@@ -35,7 +36,7 @@ UnicodeString readName(const unsigned char* bytes, std::uint16_t length, bool li
         const std::uint16_t unit = ole::load16(bytes + 2 * i, littleEndian);
         if (unit != 0) units[static_cast<std::size_t>(count++)] = unit;
     }
-    return UnicodeString(units.data(), count);
+    return takeWhole({units.data(), count});
 }
 
 OleStorageType toStorageType(unsigned char type) {
@@ -72,7 +73,7 @@ bool OleDirInfo::parse(const unsigned char* bytes, bool littleEndian) {
 }
 
 bool OleDirInfo::compareName(const char* name) const {
-    return name != nullptr && name_ == UnicodeString(name);
+    return name != nullptr && name_ == takeWhole(UnicodeString(name));
 }
 
 }  // namespace RynCommon

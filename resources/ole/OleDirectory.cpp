@@ -30,24 +30,26 @@ constexpr char16_t PRESENTATION[] = u"\u0002OlePres000";
 }  // namespace
 
 bool OleDirectory::load(const OleHeader& header, const SectorReader& reader,
-                        const SectorTables& tables) {
+                        const SectorTables& tables, std::size_t mostEntries) {
     SectorChain chain;
     const std::int32_t end =
-        tables.collectChain(header.directoryStart, false, tables.getSize(false), chain);
-    if (end != END_OF_CHAIN || !reader.hasRoomFor(static_cast<std::int64_t>(chain.size()))) {
+        tables.collectChain(header.directoryStart, false, tables.getLongest(false), chain);
+    const std::size_t count = (chain.size() << header.sectorShift) / ENTRY_SIZE;
+    if (end != END_OF_CHAIN || count > mostEntries ||
+        !reader.hasRoomFor(static_cast<std::int64_t>(chain.size()))) {
         return false;
     }
-    entries_.reserve((chain.size() << header.sectorShift) / ENTRY_SIZE);
+    entries_.reserve(count);
     const std::size_t most = std::max<std::size_t>(1, READ_SIZE >> header.sectorShift);
     std::vector<unsigned char> block(most << header.sectorShift);
     for (std::size_t i = 0; i < chain.size();) {
         const SectorChain::Run& run = *chain.find(i);
-        const std::size_t count = std::min(most, run.start + run.count - i);
-        if (!reader.readSectors(chain.at(i), count, block.data()) ||
-            !parseEntries(block.data(), count << header.sectorShift, header.littleEndian)) {
+        const std::size_t sectors = std::min(most, run.start + run.count - i);
+        if (!reader.readSectors(chain.at(i), sectors, block.data()) ||
+            !parseEntries(block.data(), sectors << header.sectorShift, header.littleEndian)) {
             return false;
         }
-        i += count;
+        i += sectors;
     }
     return true;
 }

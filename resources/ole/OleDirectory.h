@@ -15,8 +15,10 @@ namespace RynCommon::ole {
 
 class OleDirectory {
 public:
-    /// Reads the directory's sectors; false when their chain is broken or an entry is malformed.
-    bool load(const OleHeader& header, const SectorReader& reader, const SectorTables& tables);
+    /// Reads the directory's sectors; false when their chain is broken, an entry is malformed or
+    /// there are more than `mostEntries`.
+    bool load(const OleHeader& header, const SectorReader& reader, const SectorTables& tables,
+              std::size_t mostEntries);
 
     const std::vector<OleDirInfo>& getEntries() const { return entries_; }
     /// Null when `id` is out of range.

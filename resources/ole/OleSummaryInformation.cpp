@@ -43,9 +43,12 @@ struct OleSummaryInformation::Impl {
         const OleDirPath path{1, &name};
         file = from;
         stream = from->OLEopenStream(&path);
-        reader = ole::PropertyReader(stream);
+        reader = ole::PropertyReader(stream, limits().propertySetBytes);
         return stream != nullptr;
     }
+
+    /// Of an open stream.
+    const OleLimits& limits() const { return ownLimits ? *ownLimits : file->getLimits(); }
 
     /// The property in the sections that have no names for their ids.
     const ole::Property* find(unsigned long id) const {
@@ -85,6 +88,7 @@ struct OleSummaryInformation::Impl {
         return ole::readValue(reader, *property, range, getDecoder(), value);
     }
 
+    std::optional<OleLimits> ownLimits;
     OleCompFile* file = nullptr;
     OleStream* stream = nullptr;
     ole::PropertyReader reader;
@@ -100,6 +104,10 @@ OleSummaryInformation::OleSummaryInformation() : impl_(std::make_unique<Impl>())
 }
 
 OleSummaryInformation::~OleSummaryInformation() = default;
+
+void OleSummaryInformation::setLimits(const OleLimits& limits) {
+    impl_->ownLimits = limits;
+}
 
 int OleSummaryInformation::initSummaryInformation(OleCompFile* file) {
     return init(file, SUMMARY);
@@ -118,7 +126,10 @@ int OleSummaryInformation::init(OleCompFile* file, const char* name) {
 
 int OleSummaryInformation::getSummaryInformation() {
     impl_->sections.clear();
-    if (ole::readSections(impl_->reader, impl_->header, impl_->sections)) return 1;
+    if (impl_->file != nullptr && ole::readSections(impl_->reader, impl_->header,
+                                                    impl_->limits().properties, impl_->sections)) {
+        return 1;
+    }
     impl_->sections.clear();
     return -1;
 }

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 
+#include "core/MemoryCheck.h"
 #include "resources/ole/ByteOrder.h"
 
 namespace RynCommon::ole {
@@ -18,8 +19,9 @@ constexpr std::uint32_t MOST_SIZE = std::numeric_limits<std::int32_t>::max();
 
 }  // namespace
 
-PropertyReader::PropertyReader(OleStream* stream) : stream_(stream) {
-    if (stream != nullptr && stream->GetStreamSize() <= MOST_SIZE) size_ = stream->GetStreamSize();
+PropertyReader::PropertyReader(OleStream* stream, std::uint32_t mostBytes) : stream_(stream) {
+    const std::uint32_t size = stream != nullptr ? stream->GetStreamSize() : 0;
+    if (size <= std::min(mostBytes, MOST_SIZE)) size_ = size;
 }
 
 bool PropertyReader::seek(std::uint64_t position) {
@@ -109,7 +111,7 @@ bool PropertyReader::readWide(UnicodeString& text, std::uint32_t units) {
     for (char16_t& unit : buffer) {
         unit = load16(reinterpret_cast<const unsigned char*>(&unit), !swapped_);
     }
-    text.setTo(buffer.data(), static_cast<std::int32_t>(units));
+    text = takeWhole({buffer.data(), static_cast<std::int32_t>(units)});
     return true;
 }
 

@@ -16,12 +16,14 @@ namespace RynCommon::ole {
 /// before, it is false and leaves its result and the position alone.
 class PropertyReader {
 public:
-    explicit PropertyReader(OleStream* stream = nullptr);
+    PropertyReader() = default;
+    /// @param mostBytes  larger streams count as empty, as do those of 2 GiB and above
+    PropertyReader(OleStream* stream, std::uint32_t mostBytes);
 
     /// Little-endian until it is told otherwise.
     void setSwapped(bool swapped) { swapped_ = swapped; }
     bool isSwapped() const { return swapped_; }
-    /// In bytes. 0 for a stream of 2 GiB and above, which is no property set.
+    /// In bytes.
     std::uint32_t getSize() const { return size_; }
     std::uint32_t getPosition() const { return position_; }
     std::uint32_t getLeft() const { return size_ - position_; }
@@ -45,7 +47,7 @@ private:
     bool fillWindow();
     bool readDirectly(unsigned char* target, std::uint32_t count);
 
-    OleStream* stream_;
+    OleStream* stream_ = nullptr;
     bool swapped_ = false;
     std::uint32_t size_ = 0;
     std::uint32_t position_ = 0;

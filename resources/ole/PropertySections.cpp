@@ -27,10 +27,11 @@ constexpr std::uint32_t ENTRY_HEAD_SIZE = 8;
 
 class SectionLoader {
 public:
-    explicit SectionLoader(PropertyReader& reader) : reader_(reader), budget_(reader.getSize()) {}
+    SectionLoader(PropertyReader& reader, std::uint32_t mostItems)
+        : reader_(reader), budget_(reader.getSize()), itemsLeft_(mostItems) {}
 
     bool readList(std::uint32_t count, std::vector<PropertySection>& sections) {
-        if (count > reader_.getLeft() / SECTION_ITEM_SIZE) return false;
+        if (count > reader_.getLeft() / SECTION_ITEM_SIZE || !countItems(count)) return false;
         sections.resize(count);
         return std::all_of(sections.begin(), sections.end(), [this](PropertySection& section) {
             return reader_.readClassId(section.format) && reader_.readDword(section.offset);
@@ -49,11 +50,18 @@ private:
         return true;
     }
 
+    bool countItems(std::uint32_t count) {
+        if (count > itemsLeft_) return false;
+        itemsLeft_ -= count;
+        return true;
+    }
+
     bool readTable(PropertySection& section) {
         std::uint32_t count = 0;
         if (!reader_.seek(section.offset) || !reader_.readDword(section.size) ||
             !reader_.readDword(count) || count > reader_.getLeft() / TABLE_ITEM_SIZE ||
-            !charge(TABLE_HEAD_SIZE + std::uint64_t{count} * TABLE_ITEM_SIZE)) {
+            !charge(TABLE_HEAD_SIZE + std::uint64_t{count} * TABLE_ITEM_SIZE) ||
+            !countItems(count)) {
             return false;
         }
         section.properties.resize(count);
@@ -111,7 +119,8 @@ private:
             if (!reader_.readDword(entry.id) || !reader_.readDword(length)) return false;
             const std::uint64_t size = wide ? (std::uint64_t{length} * 2 + 3) / 4 * 4 : length;
             if (reader_.getPosition() + size > end) break;
-            if (!charge(ENTRY_HEAD_SIZE + size) || !readName(entry.name, length, wide)) {
+            if (!charge(ENTRY_HEAD_SIZE + size) || !countItems(1) ||
+                !readName(entry.name, length, wide)) {
                 return false;
             }
             section.dictionary.push_back(std::move(entry));
@@ -129,6 +138,7 @@ private:
 
     PropertyReader& reader_;
     std::uint64_t budget_;
+    std::uint32_t itemsLeft_;
 };
 
 }  // namespace
@@ -161,9 +171,9 @@ bool readHeader(PropertyReader& reader, PropertySetHeader& header) {
            reader.readDword(header.sectionCount);
 }
 
-bool readSections(PropertyReader& reader, PropertySetHeader& header,
+bool readSections(PropertyReader& reader, PropertySetHeader& header, std::uint32_t most,
                   std::vector<PropertySection>& sections) {
-    SectionLoader loader(reader);
+    SectionLoader loader(reader, most);
     return reader.seek(0) && readHeader(reader, header) &&
            loader.readList(header.sectionCount, sections) &&
            std::all_of(sections.begin(), sections.end(),

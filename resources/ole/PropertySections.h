@@ -69,8 +69,9 @@ bool readByteOrder(PropertyReader& reader);
 /// Reads the header, byte order included.
 bool readHeader(PropertyReader& reader, PropertySetHeader& header);
 /// Reads header, section list, tables of properties, types and dictionaries, from the start of the
-/// stream; false when any of it runs out of the stream.
-bool readSections(PropertyReader& reader, PropertySetHeader& header,
+/// stream; false when any of it runs out of the stream, or when sections, properties and names are
+/// more than `most` together.
+bool readSections(PropertyReader& reader, PropertySetHeader& header, std::uint32_t most,
                   std::vector<PropertySection>& sections);
 
 }  // namespace RynCommon::ole

@@ -98,6 +98,7 @@ std::size_t Marks::setRange(std::size_t first, std::size_t last) {
 bool SectorTables::loadDifat(const OleHeader& header, const SectorReader& reader) {
     if (!reader.hasRoomFor(header.fatSectors)) return false;
     const auto wanted = static_cast<std::size_t>(header.fatSectors);
+    if (wanted > mostSectors_) return false;
     for (std::size_t i = 0; i < std::min(wanted, header.difat.size()); ++i) {
         difat_.append(header.difat[i], 1);
     }
@@ -146,13 +147,18 @@ std::int32_t SectorTables::collectChain(std::int32_t start, bool mini, std::size
     Marks& marks = marks_[mini ? 1 : 0];
     chain.clear();
     std::int32_t next = start;
-    while (chain.size() < most && isInside(next, mini)) {
-        const auto first = static_cast<std::size_t>(next);
-        const std::size_t last = first + countRun(table, first, most - chain.size()) - 1;
-        const std::size_t end = marks.setRange(first, last);
-        chain.append(next, end - first);
-        next = end <= last ? static_cast<std::int32_t>(end) : table[last];
-        if (end <= last) break;
+    try {
+        while (chain.size() < most && isInside(next, mini)) {
+            const auto first = static_cast<std::size_t>(next);
+            const std::size_t last = first + countRun(table, first, most - chain.size()) - 1;
+            const std::size_t end = marks.setRange(first, last);
+            chain.append(next, end - first);
+            next = end <= last ? static_cast<std::int32_t>(end) : table[last];
+            if (end <= last) break;
+        }
+    } catch (...) {
+        marks.clear();
+        throw;
     }
     marks.clear(chain);
     return next;
@@ -160,7 +166,7 @@ std::int32_t SectorTables::collectChain(std::int32_t start, bool mini, std::size
 
 bool SectorTables::collectExactly(std::int32_t start, bool mini, std::size_t count,
                                   SectorChain& chain) const {
-    if (count > getSize(mini)) return false;
+    if (count > getLongest(mini)) return false;
     collectChain(start, mini, count, chain);
     return chain.size() == count;
 }

@@ -20,6 +20,7 @@ std::string decodeBase64(std::u16string_view data) {
             ? UnicodeString(false, data.data(), static_cast<std::int32_t>(data.size()))
             : unescape(data);
     std::ostringstream bytes(std::ios_base::binary);
+    bytes.exceptions(std::ios_base::badbit);  // lack of memory
     RyUtil::decodeBase64(letters, letters.length(), bytes);
     return std::move(bytes).str();
 }

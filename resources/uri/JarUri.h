@@ -14,12 +14,7 @@
 
 namespace RynCommon::uri {
 
-/// Most levels of archives in one another.
-constexpr int MAX_ARCHIVE_NESTING = 16;
-/// Most bytes of an archive that has to be kept in memory: 1 GiB.
-constexpr std::uint64_t MAX_ARCHIVE_BYTES = std::uint64_t{1} << 30;
-
-/// Opens the member. The stream needs the archive no more.
+/// Opens the member, within RyZipFile's default limits. The stream needs the archive no more.
 Opened openJar(const RyUri& uri);
 
 /// What `source` still has, in memory; null when that is more than `limit` bytes.

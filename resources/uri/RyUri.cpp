@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "core/MemoryCheck.h"
 #include "resources/uri/UriText.h"
 
 namespace RynCommon {
@@ -101,7 +102,7 @@ bool RyUri::isFile() const {
 
 UnicodeString RyUri::getFileName() const {
     const uri::Parts parts = uri::split(uri::viewOf(text_));
-    return UnicodeString(text_, toIndex(parts.nameStart), toIndex(parts.pathEnd - parts.nameStart));
+    return uri::toText(uri::viewOf(text_).substr(parts.nameStart, parts.pathEnd - parts.nameStart));
 }
 
 UnicodeString RyUri::getExtension() const {
@@ -109,7 +110,7 @@ UnicodeString RyUri::getExtension() const {
     const uri::Parts parts = uri::split(text);
     const std::size_t dot = findExtension(text, parts);
     if (dot == parts.pathEnd) return {};
-    return UnicodeString(text_, toIndex(dot + 1), toIndex(parts.pathEnd - dot - 1));
+    return uri::toText(text.substr(dot + 1, parts.pathEnd - dot - 1));
 }
 
 void RyUri::setExtension(const UnicodeString& extension) {
@@ -120,15 +121,18 @@ void RyUri::setExtension(const UnicodeString& extension) {
     if (wanted.starts_with(u'.')) wanted.remove_prefix(1);
     const std::size_t dot = findExtension(text, parts);
     const UnicodeString tail = wanted.empty() ? UnicodeString() : u"." + uri::toText(wanted);
-    text_.replaceBetween(toIndex(dot), toIndex(parts.pathEnd), tail);
+    requireWhole(tail);
+    UnicodeString changed(text_);
+    requireWhole(changed.replaceBetween(toIndex(dot), toIndex(parts.pathEnd), tail));
+    text_ = std::move(changed);
 }
 
 UnicodeString RyUri::getBaseString() const {
     if (isDataScheme()) return {};
     const uri::Parts parts = uri::split(uri::viewOf(text_));
-    const UnicodeString base(text_, 0, toIndex(parts.nameStart));
+    UnicodeString base = uri::toText(uri::viewOf(text_).substr(0, parts.nameStart));
     if (parts.nameStart > parts.pathStart) return base;
-    return parts.hasAuthority ? base + u'/' : UnicodeString();
+    return parts.hasAuthority ? takeWhole(base + u'/') : UnicodeString();
 }
 
 UnicodeString RyUri::getRelativeUri(const UnicodeString& target) const {
@@ -149,13 +153,16 @@ void RyUri::toDirectory() {
 
 void RyUri::toDirectory(UnicodeString& text, wchar_t separator) {
     const UnicodeString end(static_cast<UChar32>(separator));
-    if (!text.endsWith(end)) text += end;
+    if (text.endsWith(end)) return;
+    UnicodeString changed = takeWhole(text + end);
+    text = std::move(changed);
 }
 
 UnicodeString RyUri::removeFragment() {
     const std::int32_t start = text_.indexOf(u'#');
     if (start < 0) return {};
-    UnicodeString fragment(text_, start);
+    UnicodeString fragment =
+        uri::toText(uri::viewOf(text_).substr(static_cast<std::size_t>(start)));
     text_.truncate(start);
     return fragment;
 }

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "core/MemoryCheck.h"
 #include "platform/Files.h"
 #include "platform/Modules.h"
 #include "resources/uri/Escapes.h"
@@ -36,7 +37,7 @@ UnicodeString escapePath(const std::string& path) {
             escaped += c;
         }
     }
-    return UnicodeString::fromUTF8(escaped);
+    return takeWhole(UnicodeString::fromUTF8(escaped));
 }
 
 void store(UnicodeString* target, const UnicodeString& text) {

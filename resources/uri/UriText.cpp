@@ -1,5 +1,6 @@
 // The lexical questions about URI texts.
 #include "resources/uri/UriText.h"
+#include "core/MemoryCheck.h"
 
 #include <unicode/uchar.h>
 
@@ -44,7 +45,7 @@ std::u16string_view viewOf(const UnicodeString& text) {
 
 UnicodeString toText(std::u16string_view text) {
     if (text.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) return {};
-    return {text.data(), static_cast<std::int32_t>(text.size())};
+    return takeWhole({text.data(), static_cast<std::int32_t>(text.size())});
 }
 
 bool isLetter(char16_t c) {

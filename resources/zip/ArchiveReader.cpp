@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace RynCommon::zip {
 
@@ -42,6 +43,8 @@ std::size_t readBytes(std::streambuf& source, char* to, std::size_t count) {
     try {
         const auto got = source.sgetn(to, static_cast<std::streamsize>(count));
         return static_cast<std::size_t>(std::max<std::streamsize>(got, 0));
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (...) {
         return 0;
     }

@@ -4,7 +4,7 @@
 // therefore keeps a window of the stream: headers that lie close together come out of one read, and
 // the window grows as long as they do; a far jump makes it small again, so that little is read in
 // vain. It works on the stream buffer, which leaves the stream's state alone, and takes whatever
-// the buffer throws for the end of the data.
+// the buffer throws for the end of the data, save lack of memory.
 #pragma once
 
 #include <cstddef>

@@ -191,7 +191,7 @@ void readCentralDirectory(ArchiveReader& reader, const MemberSink& sink) {
             member.start = position;
             if (!readDirectoryMember(reader, *directory, member, length)) break;
             position += static_cast<std::int64_t>(length);
-            sink(std::move(member));
+            if (!sink(std::move(member))) break;
         }
     }
     reader.leaveAt(reader.getStart());

@@ -3,6 +3,7 @@
 
 #include <RynCommon/RyXmlParser.h>
 
+#include "core/MemoryCheck.h"
 #include "resources/zip/PartReader.h"
 
 namespace RynCommon::zip {
@@ -21,23 +22,26 @@ struct Vocabulary {
 };
 
 UnicodeString withoutSlash(const UnicodeString& name) {
-    return name.startsWith(u"/", 1) ? UnicodeString(name, 1) : name;
+    return name.startsWith(u"/", 1) ? takeWhole(UnicodeString(name, 1)) : name;
 }
 
 }  // namespace
 
-void readContentTypes(RyZipFileEntry& part, TextMap& defaults, const TypeOverride& report) {
+void readContentTypes(RyZipFileEntry& part, const RyZipLimits& limits, TextMap& defaults,
+                      const TypeOverride& report) {
     const Vocabulary names;
-    readElements(part, [&](RyXmlParser& parser) {
+    readElements(part, limits, [&](RyXmlParser& parser) {
         const bool isNamespace = parser.getNamespace() == names.ns;
         const RyName name = parser.getName();
         if (parser.getDepth() == 1) return isNamespace && name == names.types;
         if (!isNamespace || parser.getDepth() != 2) return true;
         const UnicodeString& type = parser.getAttributeValue(RyName(), names.contentType);
         if (name == names.byDefault) {
-            defaults.try_emplace(u"." + parser.getAttributeValue(RyName(), names.extension), type);
+            UnicodeString extension =
+                takeWhole(u"." + parser.getAttributeValue(RyName(), names.extension));
+            defaults.try_emplace(std::move(extension), ownText(type));
         } else if (name == names.byOverride) {
-            report(withoutSlash(parser.getAttributeValue(RyName(), names.partName)), type);
+            report(withoutSlash(parser.getAttributeValue(RyName(), names.partName)), ownText(type));
         }
         return true;
     });
@@ -45,7 +49,7 @@ void readContentTypes(RyZipFileEntry& part, TextMap& defaults, const TypeOverrid
 
 UnicodeString extensionOf(const UnicodeString& name) {
     const std::int32_t dot = name.lastIndexOf(u'.');
-    return dot < 0 ? UnicodeString() : UnicodeString(name, dot);
+    return dot < 0 ? UnicodeString() : takeWhole(UnicodeString(name, dot));
 }
 
 }  // namespace RynCommon::zip

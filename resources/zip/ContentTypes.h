@@ -12,7 +12,8 @@ using TypeOverride = std::function<void(const UnicodeString& name, const Unicode
 
 /// Enters the part's defaults by extension, with its leading dot; the first of equal ones wins. The
 /// overrides are reported in their order.
-void readContentTypes(RyZipFileEntry& part, TextMap& defaults, const TypeOverride& report);
+void readContentTypes(RyZipFileEntry& part, const RyZipLimits& limits, TextMap& defaults,
+                      const TypeOverride& report);
 
 /// From the last "." of the name on; empty when there is none.
 UnicodeString extensionOf(const UnicodeString& name);

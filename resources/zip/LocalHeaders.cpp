@@ -1,4 +1,5 @@
 // Members by their local headers, from the first one on.
+#include "core/MemoryCheck.h"
 #include "resources/zip/MemberList.h"
 
 namespace RynCommon::zip {
@@ -12,8 +13,8 @@ constexpr std::size_t USUAL_HEADER_SIZE = LOCAL_HEADER_SIZE + 98;
 
 UnicodeString decodeName(std::string_view bytes, bool isUtf8) {
     const auto length = static_cast<int32_t>(bytes.size());
-    if (isUtf8) return UnicodeString::fromUTF8({bytes.data(), length});
-    return {bytes.data(), length};
+    if (isUtf8) return takeWhole(UnicodeString::fromUTF8({bytes.data(), length}));
+    return takeWhole({bytes.data(), length});
 }
 
 FoundMember readLocalMember(ArchiveReader& reader, std::int64_t position) {
@@ -46,7 +47,7 @@ void walkLocalHeaders(ArchiveReader& reader, const MemberSink& sink) {
         if (signature == LOCAL_HEADER) {
             FoundMember member = readLocalMember(reader, position);
             position = nextRecord(member);
-            sink(std::move(member));
+            if (!sink(std::move(member))) break;
         } else if (signature == DATA_DESCRIPTOR) {
             position += DATA_DESCRIPTOR_SIZE;
         } else {

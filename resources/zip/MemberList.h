@@ -23,7 +23,8 @@ struct FoundMember {
     UnicodeString name;
 };
 
-using MemberSink = std::function<void(FoundMember&& member)>;
+/// Takes a member; false ends the reading.
+using MemberSink = std::function<bool(FoundMember&& member)>;
 
 /// Decodes a name with ICU's default converter, which is UTF-8 on most systems, or as UTF-8. What
 /// is ill-formed becomes U+FFFD.
@@ -36,7 +37,7 @@ FoundMember readLocalMember(ArchiveReader& reader, std::int64_t position);
 std::int64_t nextRecord(const FoundMember& member);
 
 /// Hands on the members from the reader's start on, and leaves the source at the first record that
-/// is neither a local header nor a data descriptor.
+/// is neither a local header nor a data descriptor, or behind the member that was not taken.
 void walkLocalHeaders(ArchiveReader& reader, const MemberSink& sink);
 
 /// Hands on the members of the central directory whose end record is the last one of the data. An

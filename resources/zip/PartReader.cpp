@@ -12,6 +12,8 @@
 // - Attributes that a DTD supplies can be many for few bytes, and a well-chosen member inflates to
 //   a thousand times its size: both, attributes and bytes, are counted.
 #include "resources/zip/PartReader.h"
+#include "core/ErrorLocations.h"
+#include "core/MemoryCheck.h"
 
 #include <RynCommon/RyXmlParser.h>
 #include <RynCommon/RyXmlUtil.h>
@@ -19,20 +21,12 @@
 
 #include <algorithm>
 #include <array>
-#include <exception>
 #include <istream>
 #include <streambuf>
 
 namespace RynCommon::zip {
 
 namespace {
-
-/// Bytes of a part that are read in any case, and for each compressed byte: far more than parts
-/// need, which compress to a tenth.
-constexpr std::uint64_t FREE_BYTES = 4u << 20;
-constexpr std::uint64_t MOST_INFLATION = 64;
-/// Attributes of all elements together: a million relationships.
-constexpr int MOST_ATTRIBUTES = 4'000'000;
 
 /// The first bytes of another buffer.
 class BoundedBuf : public std::streambuf {
@@ -64,16 +58,25 @@ RyXmlLimits limitsWith(std::uint32_t nestedInputs) {
     return limits;
 }
 
-void visitAll(RyXmlParser& parser, const ElementVisitor& visit) {
-    int attributes = 0;
+/// The limits allow any numbers: what overflows is no limit.
+std::uint64_t bytesOf(const RyZipLimits& limits, std::uint64_t compressedSize) {
+    std::uint64_t bytes = 0;
+    const bool overflows =
+        __builtin_mul_overflow(std::uint64_t{limits.partInflation}, compressedSize, &bytes) ||
+        __builtin_add_overflow(bytes, limits.partBytes, &bytes);
+    return overflows ? RyZipLimits::UNLIMITED : bytes;
+}
+
+void visitAll(RyXmlParser& parser, std::uint64_t mostAttributes, const ElementVisitor& visit) {
+    std::uint64_t attributes = 0;
     for (;;) {
         switch (parser.nextToken()) {
             case RyXmlParser::DOCDECL:
                 parser.setLimits(limitsWith(16));
                 break;
             case RyXmlParser::START_TAG:
-                attributes += parser.getAttributeCount();
-                if (attributes > MOST_ATTRIBUTES || !visit(parser)) return;
+                attributes += static_cast<std::uint64_t>(parser.getAttributeCount());
+                if (attributes > mostAttributes || !visit(parser)) return;
                 break;
             case RyXmlParser::END_DOCUMENT:
                 return;
@@ -85,21 +88,20 @@ void visitAll(RyXmlParser& parser, const ElementVisitor& visit) {
 
 }  // namespace
 
-void readElements(RyZipFileEntry& part, const ElementVisitor& visit) {
+void readElements(RyZipFileEntry& part, const RyZipLimits& limits, const ElementVisitor& visit) {
     std::istream* const data = part.getUncompressedStream(false);
     if (data == nullptr) return;
-    BoundedBuf buffer(*data->rdbuf(), FREE_BYTES + MOST_INFLATION * part.getCompressedSize());
+    BoundedBuf buffer(*data->rdbuf(), bytesOf(limits, part.getCompressedSize()));
     std::istream in(&buffer);
     try {
         const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
         parser->setFeature(RyXmlParser::NO_EXTERNAL_DTD, true);
         parser->setLimits(limitsWith(0));
         parser->setInput(in, UnicodeString(), UnicodeString());
-        visitAll(*parser, visit);
-    } catch (const RyError&) {
+        visitAll(*parser, limits.partAttributes, visit);
+    } catch (const RyError& error) {
         // What was visited is what the part has to say.
-    } catch (const std::exception&) {
-        // Likewise, where memory ran out.
+        if (error.getErrorCode() == SYSTEM_OUT_OF_MEMORY) throw;
     }
 }
 
@@ -109,7 +111,7 @@ UnicodeString readText(RyXmlParser& parser) {
     const int depth = parser.getDepth();
     for (;;) {
         const RyXmlParser::EventType event = parser.next();
-        if (event == RyXmlParser::TEXT) text += parser.getText();
+        if (event == RyXmlParser::TEXT) requireWhole(text += parser.getText());
         const bool ends = event == RyXmlParser::END_TAG && parser.getDepth() == depth;
         if (ends || event == RyXmlParser::END_DOCUMENT) return text;
     }

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/MemoryCheck.h"
 #include "resources/uri/UriText.h"
 #include "resources/zip/PartReader.h"
 
@@ -34,10 +35,10 @@ constexpr std::u16string_view STRICT = u"http://purl.oclc.org/ooxml/officeDocume
 
 void enter(const RyXmlParser& parser, const Vocabulary& names, const TargetResolver& resolve,
            Relationships& into) {
-    const UnicodeString& id = parser.getAttributeValue(RyName(), names.id);
-    const UnicodeString& type = parser.getAttributeValue(RyName(), names.type);
-    const UnicodeString& written = parser.getAttributeValue(RyName(), names.target);
-    UnicodeString mode = parser.getAttributeValue(RyName(), names.targetMode);
+    const UnicodeString id = ownText(parser.getAttributeValue(RyName(), names.id));
+    const UnicodeString type = ownText(parser.getAttributeValue(RyName(), names.type));
+    const UnicodeString written = ownText(parser.getAttributeValue(RyName(), names.target));
+    UnicodeString mode = ownText(parser.getAttributeValue(RyName(), names.targetMode));
     if (mode.isEmpty()) mode = INTERNAL;
     const UnicodeString target = mode == INTERNAL ? resolve(written) : written;
     into.targetsById.try_emplace(id, target);
@@ -49,13 +50,18 @@ void enter(const RyXmlParser& parser, const Vocabulary& names, const TargetResol
 
 UnicodeString relationshipsPartName(const UnicodeString& name) {
     const std::int32_t slash = name.lastIndexOf(u'/');
-    if (slash < 0) return u"_rels/" + name + u".rels";
-    return name.tempSubString(0, slash) + u"/_rels" + name.tempSubString(slash) + u".rels";
+    UnicodeString part;
+    part.append(name, 0, slash < 0 ? 0 : slash);
+    part.append(slash < 0 ? u"_rels/" : u"/_rels", -1);
+    part.append(name, slash < 0 ? 0 : slash, name.length()).append(u".rels", -1);
+    requireWhole(part);
+    return part;
 }
 
-void readRelationships(RyZipFileEntry& part, const TargetResolver& resolve, Relationships& into) {
+void readRelationships(RyZipFileEntry& part, const RyZipLimits& limits,
+                       const TargetResolver& resolve, Relationships& into) {
     const Vocabulary names;
-    readElements(part, [&](RyXmlParser& parser) {
+    readElements(part, limits, [&](RyXmlParser& parser) {
         const bool isNamespace = parser.getNamespace() == names.ns;
         const RyName name = parser.getName();
         if (parser.getDepth() == 1) return isNamespace && name == names.relationships;

@@ -16,7 +16,8 @@ UnicodeString relationshipsPartName(const UnicodeString& name);
 
 /// Enters the relationships of a relationships part; the first of equal Ids, and of equal types,
 /// wins.
-void readRelationships(RyZipFileEntry& part, const TargetResolver& resolve, Relationships& into);
+void readRelationships(RyZipFileEntry& part, const RyZipLimits& limits,
+                       const TargetResolver& resolve, Relationships& into);
 
 /// The member that a reference in the part `source` means, resolved against the root of the
 /// package. A reference with a scheme comes back as it is.

@@ -101,15 +101,23 @@ void RyZipFile::init() {
     zip::ArchiveReader reader(*stream->rdbuf());
     if (reader.getStart() < 0) return;
     const auto take = [&](zip::FoundMember&& found) {
+        if (impl_->entries.size() >= impl_->limits.members) return false;
         auto impl = std::make_unique<RyZipFileEntry::Impl>(impl_->stream, found.header);
         impl->name = std::move(found.name);
         impl->verify = impl_->verify;
-        impl_->entries.emplace_back(
-            new RyZipFileEntry(*stream, found.start, found.signature, std::move(impl)));
+        RyPtr<RyZipFileEntry> entry =
+            new RyZipFileEntry(*stream, found.start, found.signature, std::move(impl));
+        impl_->entries.push_back(std::move(entry));
+        return true;
     };
     const auto read =
         impl_->useCentralDirectory ? zip::readCentralDirectory : zip::walkLocalHeaders;
-    read(reader, take);
+    try {
+        read(reader, take);
+    } catch (...) {
+        impl_->entries.clear();
+        throw;
+    }
 }
 
 unsigned int RyZipFile::getFileEntryCount() const {

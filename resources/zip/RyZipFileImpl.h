@@ -94,6 +94,7 @@ struct RyZipFile::Impl {
     bool useCentralDirectory = false;
     bool verify = false;
     bool acceptStrict = false;
+    RyZipLimits limits = getDefaultLimits();
 
     zip::Package package;
 };

@@ -68,14 +68,19 @@ UnicodeString RyZipFile::getContentType(RyZipFileEntry* part) {
 void RyZipFile::setContentType() {
     zip::Package& package = impl_->package;
     if (package.contentTypesRead) return;
-    package.contentTypesRead = true;
     RyZipFileEntry* const description = getFileEntry(UnicodeString(u"[Content_Types].xml"));
-    if (description == nullptr) return;
+    if (description != nullptr) readContentTypes(*description);
+    package.contentTypesRead = true;
+}
+
+/// May be begun again where memory ran out: what is known already stays.
+void RyZipFile::readContentTypes(RyZipFileEntry& description) {
+    zip::Package& package = impl_->package;
     const auto assign = [](RyZipFileEntry& entry, const UnicodeString& type) {
         UnicodeString& known = entry.impl_->part().contentType;
         if (known.isEmpty()) known = type;
     };
-    zip::readContentTypes(*description, package.typesByExtension,
+    zip::readContentTypes(description, impl_->limits, package.typesByExtension,
                           [&](const UnicodeString& name, const UnicodeString& type) {
                               if (RyZipFileEntry* const entry = zip::findMember(*this, name))
                                   assign(*entry, type);
@@ -94,17 +99,18 @@ void RyZipFile::makeRelationships(RyZipFileEntry* part) {
     Relationships& relationships =
         part != nullptr ? part->impl_->part().relationships : impl_->package.relationships;
     if (relationships.read) return;
-    relationships.read = true;
     const UnicodeString source = part != nullptr ? part->getFileName() : UnicodeString();
     RyZipFileEntry* const description = getFileEntry(zip::relationshipsPartName(source));
-    if (description == nullptr) return;
     const auto resolve = [&](const UnicodeString& target) {
         if (part == nullptr) return target;
         const UnicodeString resolved = zip::resolveTarget(source, target);
         const RyZipFileEntry* const member = zip::findMember(*this, resolved);
         return member != nullptr ? member->getFileName() : resolved;
     };
-    zip::readRelationships(*description, resolve, relationships);
+    // May be begun again where memory ran out: what is known already stays.
+    if (description != nullptr)
+        zip::readRelationships(*description, impl_->limits, resolve, relationships);
+    relationships.read = true;
 }
 
 UnicodeString RyZipFile::getRelationshipTargetFromId(const UnicodeString& id,
@@ -163,7 +169,7 @@ UnicodeString RyZipFile::getAppVersion() {
     RyZipFileEntry* const properties = getFileEntry(UnicodeString(u"docProps/app.xml"));
     if (properties == nullptr) return version;
     const RyName name{UnicodeString(u"AppVersion")};
-    zip::readElements(*properties, [&](RyXmlParser& parser) {
+    zip::readElements(*properties, impl_->limits, [&](RyXmlParser& parser) {
         if (parser.getName() != name) return true;
         version = zip::readText(parser);
         return false;

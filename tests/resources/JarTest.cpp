@@ -7,6 +7,7 @@
 
 #include <RynCommon/RyMemStream.h>
 #include <RynCommon/RyUri.h>
+#include <RynCommon/RyZipFile.h>
 
 #include "resources/uri/JarUri.h"
 #include "tests/resources/Fetching.h"
@@ -185,6 +186,46 @@ TEST(JarTest, TheResolverIsAskedForInnerArchives) {
     const ScopedResolver installed(resolver);
     EXPECT_EQ(fetch("jar:jar:/a.zip!/b!/c").content, "innermost");
     EXPECT_EQ(resolver.asked, "jar:jar:/a.zip!/b!/c\njar:/a.zip!/b\nfile:///a.zip\n");
+}
+
+TEST(JarTest, LimitsAreTheDefaultsOfArchives) {
+    struct Restore {
+        ~Restore() { RyZipFile::setDefaultLimits({}); }
+    };
+    const Restore restore;
+    const std::string inner = makeZip({{.name = "c", .data = "innermost"}});
+    const std::string outer = makeZip({{.name = "b", .data = inner}, {.name = "d", .data = "x"}});
+    FixedResources resolver;
+    resolver.resources["file:///a.zip"] = outer;
+    const ScopedResolver installed(resolver);
+    const std::string uri = "jar:jar:/a.zip!/b!/c";
+    const struct {
+        const char* what;
+        RyZipLimits limits;
+        std::string content;
+        std::string error;
+    } rows[] = {
+        {"copies reached", {.copiedBytes = outer.size()}, "innermost", ""},
+        {"copies exceeded",
+         {.copiedBytes = outer.size() - 1},
+         "(none)",
+         "Cannot open archive: file:///a.zip: too large"},
+        {"no limit", {.copiedBytes = RyZipLimits::UNLIMITED}, "innermost", ""},
+        {"nesting reached", {.nestedArchives = 2}, "innermost", ""},
+        {"nesting exceeded",
+         {.nestedArchives = 1},
+         "(none)",
+         "Cannot open archive: nested too deep"},
+    };
+    for (const auto& row : rows) {
+        RyZipFile::setDefaultLimits(row.limits);
+        EXPECT_EQ(RyZipFile().getLimits().copiedBytes, row.limits.copiedBytes) << row.what;
+        const Fetched fetched = fetch(uri);
+        EXPECT_EQ(fetched.content, row.content) << row.what;
+        EXPECT_EQ(fetched.error, row.error) << row.what;
+    }
+    RyZipFile::setDefaultLimits({.members = 1});
+    EXPECT_EQ(fetch("jar:/a.zip!/d").content, "(none)");
 }
 
 TEST(JarTest, CopiesAreLimited) {

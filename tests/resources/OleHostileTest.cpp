@@ -294,6 +294,55 @@ TEST(OleHostile, ChainsAreWhatAStepwiseWalkFinds) {
     }
 }
 
+/// The large stream has 12 sectors, the small one 16 mini sectors, the directory 2 sectors of 4
+/// entries each, the mini stream 3.
+TEST(OleHostile, ChainsAndDirectoriesCanBeLimited) {
+    const std::string bytes = makeImage().bytes();
+    const std::uint32_t all = OleLimits::UNLIMITED;
+    const struct {
+        std::uint32_t chain;
+        std::uint32_t entries;
+        bool opens;
+        std::size_t large;
+        std::size_t small;
+    } rows[] = {
+        {all, all, true, 6000, 1000}, {16, 8, true, 6000, 1000},  {15, all, true, 6000, 0},
+        {12, all, true, 6000, 0},     {11, all, true, 0, 0},      {2, all, true, 0, 0},
+        {1, all, false, 0, 0},        {all, 8, true, 6000, 1000}, {all, 7, false, 0, 0},
+    };
+    for (const auto& row : rows) {
+        MemoryIo io(bytes);
+        OleCompFile file;
+        OleLimits limits;
+        limits.chainSectors = row.chain;
+        limits.directoryEntries = row.entries;
+        file.setLimits(limits);
+        EXPECT_EQ(file.OLEopen(&io), row.opens) << row.chain << " " << row.entries;
+        if (!row.opens) continue;
+        for (const auto& [id, size] : {std::pair(LARGE, row.large), std::pair(SMALL, row.small)}) {
+            OleStream stream(&file);
+            EXPECT_EQ(stream.GetStreamChain(id), size > 0) << row.chain << " " << id;
+            EXPECT_EQ(test::readAll(stream).size(), size) << row.chain << " " << id;
+        }
+    }
+}
+
+/// A mini stream that may not be as long as it is serves no stream at all.
+TEST(OleHostile, TheMiniStreamCanBeLimited) {
+    OleWriter writer;
+    for (char16_t c = u'a'; c < u'a' + 20; ++c)
+        writer.addStream(0, std::u16string(1, c), makeContent(200));  // 4 mini sectors each
+    MemoryIo io(writer.write().bytes());
+    for (const std::uint32_t most : {10, 9}) {  // 80 mini sectors of 64 bytes
+        OleCompFile file;
+        OleLimits limits;
+        limits.chainSectors = most;
+        file.setLimits(limits);
+        ASSERT_TRUE(file.OLEopen(&io)) << most;
+        EXPECT_EQ(readStream(file, Path{"a"}), most == 10 ? makeContent(200) : NONE) << most;
+    }
+}
+
 /// Every 32-bit word of header, tables and directory at its extremes.
 TEST(OleHostile, NumbersAtTheirExtremes) {
     const OleImage image = makeImage(7);

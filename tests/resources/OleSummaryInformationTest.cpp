@@ -421,6 +421,39 @@ TEST(OlePropertySet, TellsWhatIsThere) {
     EXPECT_FALSE(set.init(nullptr));
 }
 
+TEST(OleSummaryInformation, SizesCanBeLimited) {
+    PropertySetWriter w;
+    w.section().add(1, 2, w.number(1252, 2)).add(ID, 30, w.narrow("title"));
+    w.section().add(0, 0, w.dictionary({{2, "name"}})).add(2, 3, w.number(1, 4));
+    const std::string set = w.write();
+    const auto size = static_cast<std::uint32_t>(set.size());
+    const std::uint32_t items = 7;  // two sections, four properties, a name
+    const struct {
+        const char* what;
+        OleLimits limits;
+        int result;
+    } rows[] = {
+        {"no limit", {}, 1},
+        {"bytes reached", {.propertySetBytes = size}, 1},
+        {"bytes exceeded", {.propertySetBytes = size - 1}, -1},
+        {"items reached", {.properties = items}, 1},
+        {"names exceeded", {.properties = items - 1}, -1},
+        {"properties exceeded", {.properties = 3}, -1},
+        {"sections exceeded", {.properties = 1}, -1},
+    };
+    for (const auto& row : rows) {
+        Document document(set);
+        OleSummaryInformation own;
+        own.setLimits(row.limits);
+        EXPECT_EQ(own.initSummaryInformation(&document.file), row.result) << row.what;
+        document.file.setLimits(row.limits);
+        OleSummaryInformation followsFile;
+        EXPECT_EQ(followsFile.initSummaryInformation(&document.file), row.result) << row.what;
+        OlePropertySet properties;
+        EXPECT_EQ(properties.init(&document.file), row.result == 1) << row.what;
+    }
+}
+
 /// The readers that derived classes use.
 class Reader : public OleSummaryInformation {
 public:

@@ -147,6 +147,48 @@ TEST(PackageHostileTest, AMemberThatInflatesTooFarIsReadInPart) {
     EXPECT_EQ(s(stored.getRelationshipTargetFromId(u("2"))), "behind");
 }
 
+TEST(PackageHostileTest, PartsCanBeLimited) {
+    const std::string child = rel("1", "urn:t", "found");
+    const std::string xml = relsXml(child);
+    const std::uint64_t end = xml.find(child) + child.size();
+    const std::uint64_t all = RyZipLimits::UNLIMITED;
+    const std::uint32_t most = 0xFFFFFFFF;
+    const std::uint64_t attributes = 4;  // the root's namespace and those of the child
+    const struct {
+        const char* what;
+        std::uint64_t bytes;
+        std::uint32_t inflation;
+        std::uint64_t attributes;
+        const char* target;
+    } rows[] = {
+        {"bytes reached", end, 0, all, "found"},
+        {"bytes exceeded", end - 1, 0, all, ""},
+        {"inflation", 0, 1, all, "found"},
+        {"no limit", all, most, all, "found"},
+        {"attributes reached", all, 0, attributes, "found"},
+        {"attributes exceeded", all, 0, attributes - 1, ""},
+    };
+    for (const auto& row : rows) {
+        RyZipFile zip;
+        RyZipLimits limits;
+        limits.partBytes = row.bytes;
+        limits.partInflation = row.inflation;
+        limits.partAttributes = row.attributes;
+        zip.setLimits(limits);
+        zip.open(new std::istringstream(makeZip({{PACKAGE_RELS, xml, 0}})), true);
+        EXPECT_EQ(s(zip.getRelationshipTargetFromId(u("1"))), row.target) << row.what;
+    }
+    // Free bytes and those for compressed bytes add up.
+    for (const std::uint64_t missing : {0, 1}) {
+        PackageInMemory package({{PACKAGE_RELS, xml}});
+        RyZipLimits limits;
+        limits.partInflation = 1;
+        limits.partBytes = end - missing - package.part(PACKAGE_RELS)->getCompressedSize();
+        package->setLimits(limits);
+        EXPECT_EQ(s(package->getRelationshipTargetFromId(u("1"))), missing == 0 ? "found" : "");
+    }
+}
+
 TEST(PackageHostileTest, ManyRelationships) {
     constexpr int COUNT = 100'000;
     std::string children;

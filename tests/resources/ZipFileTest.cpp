@@ -206,6 +206,26 @@ TEST(ZipFileTest, RecognisesArchivesWithoutMovingTheStream) {
     EXPECT_FALSE(RyZipFile::isZipFile(static_cast<std::istream*>(nullptr)));
 }
 
+TEST(ZipFileTest, MembersCanBeLimited) {
+    const std::string bytes = makeZip({{"a", "1"}, {"b", "2"}, {"c", "3"}});
+    EXPECT_EQ(RyZipFile().getLimits().members, RyZipLimits::UNLIMITED);
+    const struct {
+        std::uint64_t limit;
+        Members expected;
+    } rows[] = {{0, {}}, {2, {"a=1", "b=2"}}, {3, {"a=1", "b=2", "c=3"}}};
+    for (const auto& row : rows) {
+        for (const bool useDirectory : {false, true}) {
+            RyZipFile zip;
+            RyZipLimits limits = zip.getLimits();
+            limits.members = row.limit;
+            zip.setLimits(limits);
+            zip.setUseCentralDirectory(useDirectory);
+            zip.open(new std::istringstream(bytes), true);
+            EXPECT_EQ(readMembers(zip), row.expected) << row.limit << " " << useDirectory;
+        }
+    }
+}
+
 TEST(ZipFileTest, OpensFiles) {
     const std::filesystem::path folder =
         std::filesystem::path(testing::TempDir()) / ("zip-" + std::to_string(::getpid()));

@@ -112,6 +112,8 @@ TEST(DMCOStreamTest, StrictDataEndsAtTheFirstMissingCharacter) {
     EXPECT_EQ(encode(u"漢a", "Shift_JIS", {false, RyDMCOStreamBuf::LF_NONE, true}),
               "\x8A\xBF"
               "a");
+    EXPECT_EQ(encode(u"a\u00ADb", "US-ASCII", {false, RyDMCOStreamBuf::LF_NONE, true}), "a")
+        << "a character that is ignored by default does not vanish either";
 }
 
 TEST(DMCOStreamTest, LongTextsInPiecesOfAnySize) {

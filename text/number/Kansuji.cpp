@@ -12,6 +12,7 @@
 #include <string_view>
 #include <utility>
 
+#include "core/MemoryCheck.h"
 #include "text/number/CjkNumerals.h"
 #include "text/number/TextViews.h"
 
@@ -115,7 +116,7 @@ public:
         }
     }
 
-    UnicodeString take() { return std::move(text_); }
+    UnicodeString take() { return takeWhole(std::move(text_)); }
 
 private:
     void writeDigit(char16_t digit) {

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "core/Immortal.h"
+#include "core/MemoryCheck.h"
 #include "text/Cleanup.h"
 #include "text/number/Alphabets.h"
 
@@ -87,7 +88,8 @@ void LanguageAlphabets::addLanguage(const UnicodeString& language, const Unicode
     std::string code;
     const icu::Locale locale(language.toUTF8String(code).c_str());
     rows_.push_back({language, LanguageAlphabet(letters)});
-    rows_.push_back({language, LanguageAlphabet(UnicodeString(letters).toUpper(locale))});
+    rows_.push_back(
+        {language, LanguageAlphabet(takeWhole(UnicodeString(letters).toUpper(locale)))});
 }
 
 const LanguageAlphabet* LanguageAlphabets::find(const UnicodeString& language,

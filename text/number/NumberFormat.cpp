@@ -10,6 +10,7 @@
 #include <RynCommon/RyUtil.h>
 #include <unicode/uchar.h>
 
+#include "core/MemoryCheck.h"
 #include "text/number/Alphabets.h"
 #include "text/number/CjkNumerals.h"
 #include "text/number/Digits.h"
@@ -92,6 +93,7 @@ UnicodeString formatPieces(int n, const UnicodeString& format, const Grouping& g
     appendView(text, pieces.prefix);
     appendNumber(text, n, {pieces, lang, letterValue}, grouping);
     appendView(text, pieces.suffix);
+    requireWhole(text);
     return text;
 }
 

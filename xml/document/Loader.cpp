@@ -1,11 +1,20 @@
 // Turns the events of a parser into the nodes of a document.
 #include "xml/document/Loader.h"
 
+#include <functional>
+
 #include "core/ErrorLocations.h"
+#include "core/MemoryCheck.h"
 #include "xml/document/DocumentRep.h"
 #include "xml/tree/PlainTree.h"
 
 namespace RynCommon {
+
+namespace {
+
+constexpr char16_t SOURCE[] = u"RynCommon::RyDocument::load";
+
+}  // namespace
 
 /// Holds the lock, and marks the loader as reading where it was not.
 class Loader::Reading {
@@ -47,7 +56,9 @@ void Loader::read(Done isDone) {
     if (reading.isNested()) return;
     try {
         const RyNode* added = nullptr;
-        while (!open_.empty() && !isDone(added)) added = takeEvent();
+        withMemoryError(SOURCE, [&] {
+            while (!open_.empty() && !isDone(added)) added = takeEvent();
+        });
     } catch (...) {
         fail();
         throw;
@@ -66,12 +77,12 @@ RyNode* Loader::loadNextNode() {
 void Loader::load(RyNode& target, bool pull, const SetInput& setInput) {
     const RyMutex guard(lock_);
     requireNotReading();
-    begin(target);
+    withMemoryError(SOURCE, [&] { begin(target); });
     dropText();
     {
         const Reading reading(*this);
         try {
-            setInput(*parser_);
+            withMemoryError(SOURCE, [&] { setInput(*parser_); });
         } catch (...) {
             fail();
             throw;
@@ -83,18 +94,21 @@ void Loader::load(RyNode& target, bool pull, const SetInput& setInput) {
 void Loader::loadText(RyNode& target, bool pull, const UnicodeString& text,
                       const UnicodeString& baseUri) {
     const bool hasMark = !text.isEmpty() && text[0] == u'\uFEFF';
-    auto stream =
-        std::make_unique<UnitsStream>(hasMark ? UnicodeString(text, 1) : UnicodeString(text));
-    load(target, pull, [&](RyXmlParser& parser) {
+    auto stream = withMemoryError(SOURCE, [&] {
+        return std::make_unique<UnitsStream>(
+            takeWhole(hasMark ? UnicodeString(text, 1) : UnicodeString(text)));
+    });
+    const auto setInput = [&](RyXmlParser& parser) {
         text_ = std::move(stream);
         parser.setInput(*text_, u"UTF-16LE", baseUri);
-    });
+    };
+    load(target, pull, std::cref(setInput));
 }
 
 void Loader::loadPresent(RyNode& target, bool pull) {
     const RyMutex guard(lock_);
     requireNotReading();
-    begin(target);
+    withMemoryError(SOURCE, [&] { begin(target); });
     standsAtEvent_ = parser_->getEventType() == RyXmlParser::START_TAG;
     readOn(pull);
 }
@@ -168,8 +182,9 @@ RyNode* Loader::startPlainElement() {
     RyPtr<RyElement> element = PlainTree::makeElement(document_, parser_->getNamespace(),
                                                       parser_->getPrefix(), parser_->getName());
     fillElement(*element, PlainTree::setAttribute);
-    PlainTree::append(*open_.back(), *element);
+    RyNode& parent = *open_.back();
     open_.push_back(element);
+    PlainTree::append(parent, *element);
     return element.detach();
 }
 
@@ -228,14 +243,22 @@ void Loader::end(Ending ending) {
     stop_ = false;
     if (ending == Ending::COMPLETE) {
         dropText();
+        releaseBuffers();
+    }
+}
+
+/// What a parser needs even for that is no reason to fail.
+void Loader::releaseBuffers() {
+    try {
         parser_->releaseBuffers();
+    } catch (const std::bad_alloc&) {
     }
 }
 
 void Loader::fail() {
     end(Ending::STOPPED);
     parser_->closeStream();
-    parser_->releaseBuffers();
+    releaseBuffers();
     text_.reset();
 }
 

@@ -70,6 +70,7 @@ private:
     void end(Ending ending);
     void closeInnermost(Ending ending);
     void fail();
+    void releaseBuffers();
     void dropText();
 
     RyDocument& document_;

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "core/ErrorLocations.h"
+#include "core/MemoryCheck.h"
 #include "xml/document/DocumentRep.h"
 #include "xml/document/Saver.h"
 #include "xml/tree/NodeCloner.h"
@@ -132,7 +133,7 @@ namespace {
 template <class Save>
 void guardSerializer(RyDocument& document, Save save) {
     try {
-        save(*document.getSerializer());
+        withMemoryError(u"RynCommon::RyDocument::save", [&] { save(*document.getSerializer()); });
     } catch (...) {
         document.setSerializer(nullptr);
         throw;
@@ -141,8 +142,8 @@ void guardSerializer(RyDocument& document, Save save) {
 
 UnicodeString decodeUtf8(std::string_view bytes) {
     if (bytes.size() > std::numeric_limits<std::int32_t>::max()) throw std::bad_alloc();
-    return UnicodeString::fromUTF8(
-        icu::StringPiece(bytes.data(), static_cast<std::int32_t>(bytes.size())));
+    return takeWhole(UnicodeString::fromUTF8(
+        icu::StringPiece(bytes.data(), static_cast<std::int32_t>(bytes.size()))));
 }
 
 }  // namespace
@@ -187,9 +188,17 @@ void RyDocument::save(const UnicodeString& declaredEncoding, const UnicodeString
 }
 
 UnicodeString RyDocument::saveXml(RyNode* node) {
-    std::ostringstream out;
-    save(out, node, u"UTF-8");
-    return decodeUtf8(out.view());
+    return withMemoryError(u"RynCommon::RyDocument::save", [&] {
+        std::ostringstream out;
+        try {
+            save(out, node, u"UTF-8");
+        } catch (const RyError& error) {
+            // Nothing else makes a string stream fail.
+            if (error.getErrorCode() == IO_OUTPUT_ERROR) throw std::bad_alloc();
+            throw;
+        }
+        return decodeUtf8(out.view());
+    });
 }
 
 template <class Output>

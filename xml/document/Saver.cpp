@@ -5,6 +5,7 @@
 #include <RynCommon/RyNodeIterator.h>
 
 #include "core/ErrorLocations.h"
+#include "core/MemoryCheck.h"
 
 namespace RynCommon {
 
@@ -71,7 +72,9 @@ void Saver::writeAttribute(const RyAttr& attr) {
 void Saver::writeCompound(const RyAttr& attr, const RyNamedValueMap& entries) {
     for (RyNamedValueMapIterator place(&entries); place.hasNext();) {
         const RyNamedValue& entry = place.next();
-        const RyName local = attr.getLocalName().toString() + u'.' + entry.getName().toString();
+        const RyName local = takeWhole(UnicodeString(attr.getLocalName().toString())
+                                           .append(u'.')
+                                           .append(entry.getName().toString()));
         serializer_.attribute(attr.getNamespaceUri(), attr.getPrefix(), local, entry.toString());
     }
 }

@@ -140,7 +140,7 @@ TextInput::Refill TextInput::refill() {
         // The window ended before a U+FFFF, which is told of once and left out.
         window_ = counted_ = windowEnd_ + 1;
         column_ = saturated(static_cast<std::uint64_t>(column_) + 1);
-        cutWindow();
+        windowEnd_ = findUnit(window_, decodedEnd_, NONE);
         return Refill::INVALID_CHARACTER;
     }
     do {
@@ -201,6 +201,7 @@ void TextInput::normaliseLineEnds(char16_t* begin, char16_t* end) {
     }
     char16_t* from = begin + (window_ - begin);
     char16_t* to = from;  // U+0085 and U+2028 are the other line ends found below
+    const char16_t* none = nullptr;
     for (;;) {
         const auto run = static_cast<std::size_t>(findLineBreakUnit(from, end) - from);
         if (to != from) std::char_traits<char16_t>::move(to, from, run);
@@ -209,6 +210,7 @@ void TextInput::normaliseLineEnds(char16_t* begin, char16_t* end) {
         if (from == end) break;
         const char16_t unit = *from++;
         if (unit == NONE) {
+            if (none == nullptr) none = to;
             *to++ = NONE;
             continue;
         }
@@ -220,15 +222,7 @@ void TextInput::normaliseLineEnds(char16_t* begin, char16_t* end) {
             ++from;
     }
     decodedEnd_ = to;
-    cutWindow();
-}
-
-/// Ends the window before the first U+FFFF.
-void TextInput::cutWindow() {
-    windowEnd_ = window_;
-    while ((windowEnd_ = findLineBreakUnit(windowEnd_, decodedEnd_)) != decodedEnd_ &&
-           *windowEnd_ != NONE)
-        ++windowEnd_;
+    windowEnd_ = none != nullptr ? none : to;
 }
 
 void TextInput::countTo(const char16_t* place) {

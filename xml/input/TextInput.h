@@ -76,7 +76,6 @@ private:
     char16_t* decodeRest(char16_t* out);
     char16_t* decodeStep(char16_t* out);
     void normaliseLineEnds(char16_t* begin, char16_t* end);
-    void cutWindow();
 
     ByteInput bytes_;
     std::istream* source_ = nullptr;

@@ -1,6 +1,7 @@
 // RyXmlUtil: factories, qualified names, a document's root.
 #include <RynCommon/RyXmlUtil.h>
 
+#include "core/MemoryCheck.h"
 #include "xml/parser/XmlParserImpl.h"
 #include "xml/serializer/XmlSerializerImpl.h"
 
@@ -71,7 +72,7 @@ RyName RyXmlUtil::makeQName(RyName prefix, RyName local) {
 }
 
 UnicodeString RyXmlUtil::makeQNameStr(const UnicodeString& prefix, const UnicodeString& local) {
-    return prefix.isEmpty() ? local : prefix + u':' + local;
+    return prefix.isEmpty() ? local : takeWhole(UnicodeString(prefix).append(u':').append(local));
 }
 
 RyName RyXmlUtil::getPrefixFromQName(RyName qname) {
@@ -79,7 +80,7 @@ RyName RyXmlUtil::getPrefixFromQName(RyName qname) {
 }
 
 UnicodeString RyXmlUtil::getPrefixFromQNameStr(const UnicodeString& qname) {
-    return UnicodeString(qname, 0, prefixLength(qname));
+    return takeWhole(UnicodeString(qname, 0, prefixLength(qname)));
 }
 
 RyName RyXmlUtil::getLocalPartFromQName(RyName qname) {
@@ -89,14 +90,15 @@ RyName RyXmlUtil::getLocalPartFromQName(RyName qname) {
 
 UnicodeString RyXmlUtil::getLocalPartFromQNameStr(const UnicodeString& qname) {
     const std::int32_t length = prefixLength(qname);
-    return length == 0 ? qname : UnicodeString(qname, length + 1);
+    return length == 0 ? qname : takeWhole(UnicodeString(qname, length + 1));
 }
 
 UnicodeString RyXmlUtil::makeNSQNameStr(const UnicodeString& ns, const UnicodeString& local) {
     if (ns.isEmpty()) return local;
-    if (ns == RyName(RN_NS_xml).toString()) return u"xml:" + local;
-    if (ns == RyName(RN_NS_xmlns).toString()) return local == u"xmlns" ? local : u"xmlns:" + local;
-    return u"{" + ns + u"}:" + local;
+    if (ns == RyName(RN_NS_xml).toString()) return takeWhole(u"xml:" + local);
+    if (ns == RyName(RN_NS_xmlns).toString())
+        return local == u"xmlns" ? local : takeWhole(u"xmlns:" + local);
+    return takeWhole(UnicodeString(u'{').append(ns).append(u"}:", 2).append(local));
 }
 
 RyPtr<RyXmlParser> RyXmlUtil::getRootParser(std::istream& in, const UnicodeString& type,

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "core/MemoryCheck.h"
+
 namespace RynCommon {
 
 namespace {
@@ -36,6 +38,7 @@ void AttributeDefaults::collapse(UnicodeString& value) {
         if (c != u' ' || !afterBlank) result.append(c);
     }
     if (result.endsWith(UnicodeString(u' '))) result.truncate(result.length() - 1);
+    requireWhole(result);
     value = result;
 }
 

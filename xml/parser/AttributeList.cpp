@@ -1,5 +1,6 @@
 // Attributes of a start tag; see the header.
 #include "xml/parser/AttributeList.h"
+#include "core/MemoryCheck.h"
 
 #include <bit>
 
@@ -15,20 +16,11 @@ std::uint64_t keyOf(const ParsedAttribute& attribute) {
 
 }  // namespace
 
-ParsedAttribute& AttributeList::add(RyName prefix, RyName local) {
-    if (count_ == slots_.size()) slots_.emplace_back();
-    ParsedAttribute& slot = slots_[count_++];
-    slot.prefix = prefix;
-    slot.local = local;
-    slot.ns = RyName();
-    return slot;
-}
-
 void AttributeList::ownValues() {
     for (std::size_t i = owned_; i < count_; ++i) {
         UnicodeString& value = slots_[i].value;
         // Copying a read-only alias copies its units.
-        value = UnicodeString(value);
+        value = ownText(value);
     }
     // The last one may still be without its value.
     owned_ = count_ > 0 ? count_ - 1 : 0;

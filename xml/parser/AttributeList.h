@@ -16,6 +16,8 @@ struct ParsedAttribute {
     RyName ns;
     UnicodeString value;
 
+    /// Whether its namespace has to be found.
+    bool isQualified() const { return !prefix.isEmpty() || local == RN_xmlns; }
     /// "xmlns" or "xmlns:p".
     bool isNamespaceDeclaration() const {
         return prefix == RN_xmlns || (prefix.isEmpty() && local == RN_xmlns);
@@ -31,7 +33,14 @@ public:
     const ParsedAttribute& operator[](std::size_t index) const { return slots_[index]; }
 
     /// A further attribute; its value is left over from another tag.
-    ParsedAttribute& add(RyName prefix, RyName local);
+    ParsedAttribute& add(RyName prefix, RyName local) {
+        if (count_ == slots_.size()) slots_.emplace_back();
+        ParsedAttribute& slot = slots_[count_++];
+        slot.prefix = prefix;
+        slot.local = local;
+        slot.ns = RyName();
+        return slot;
+    }
     /// Makes all values copies that point into no window. What was copied before is left alone, so
     /// that a tag over many windows stays linear.
     void ownValues();
@@ -47,9 +56,15 @@ public:
     /// has, in order.
     template <class Report>
     void forEachDuplicate(Report report) {
-        if (count_ > COMPARE_ALL) prepareSet();
-        for (std::size_t i = 1; i < count_; ++i)
-            if (count_ > COMPARE_ALL ? isInSet(i) : isAmongFirst(i)) report(slots_[i]);
+        if (count_ > COMPARE_ALL) return forEachDuplicateOfMany(report);
+        // Only names that share a bit with an earlier one are compared.
+        std::uint64_t seen = 0;
+        for (std::size_t i = 0; i < count_; ++i) {
+            const auto number = static_cast<std::uint32_t>(RyNameEnum(slots_[i].local));
+            const std::uint64_t bit = std::uint64_t{1} << number % 64;
+            if ((seen & bit) != 0 && isAmongFirst(i)) report(slots_[i]);
+            seen |= bit;
+        }
     }
 
 private:
@@ -61,6 +76,12 @@ private:
         for (std::size_t j = 0; j < index; ++j)
             if (slots_[j].local == attribute.local && slots_[j].ns == attribute.ns) return true;
         return false;
+    }
+    template <class Report>
+    void forEachDuplicateOfMany(Report& report) {
+        prepareSet();
+        for (std::size_t i = 1; i < count_; ++i)
+            if (isInSet(i)) report(slots_[i]);
     }
     void prepareSet();
     bool isInSet(std::size_t index);

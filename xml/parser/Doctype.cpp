@@ -247,7 +247,7 @@ void DoctypeReader::readEntity() {
         skipDeclaration();
         return;
     }
-    const RyName name = core_.names.findWhole(spelt.text, spelt.length);
+    const RyName name = core_.names->findWhole(spelt.text, spelt.length);
     skipDeclarationSpace();
     EntityDeclaration entity;
     bool valid = true;
@@ -342,7 +342,7 @@ void DoctypeReader::readDefault(AttributeDeclaration& attribute) {
     if (c != u'"' && c != u'\'') return;
     UnicodeString value;
     attribute.hasDefault = core_.readAttributeValue(value);
-    attribute.defaultValue = value;  // a copy of its own
+    attribute.defaultValue = ownText(value);
     if (attribute.tokenized) AttributeDefaults::collapse(attribute.defaultValue);
 }
 

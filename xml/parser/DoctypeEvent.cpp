@@ -55,7 +55,7 @@ void XmlParserImpl::readExternalSubset(const UnicodeString& systemId) {
 EntityTable XmlParserImpl::readSubsetOf(const UnicodeString& uri) {
     XmlParserImpl reader;
     reader.core_.features = core_.features;
-    reader.core_.limits = core_.limits;
+    reader.core_.setLimits(core_.limits);
     reader.setInput(uri, UnicodeString(), core_.baseUri);
     reader.core_.parameterEntities.merge(core_.parameterEntities);
     if (!reader.scanner_.base().hasByte()) return EntityTable();  // an empty subset is one

@@ -2,6 +2,7 @@
 //
 // A literal ends at its quote only at the depth of inputs where it began: a quote that an entity's
 // replacement text brings is a character of the value.
+#include "core/MemoryCheck.h"
 #include "core/ShortScan.h"
 #include "xml/parser/ParserCore.h"
 
@@ -36,7 +37,7 @@ bool ParserCore::readAttributeValue(UnicodeString& value) {
     for (;;) {
         if (scanner.cursor() == scanner.limit() && !scanner.more()) {
             error(PARSE_UNENDED_LITERAL, UnicodeString(quote));
-            return true;
+            break;
         }
         const char16_t* const run = scanner.cursor();
         stop = findValueStop(run, scanner.limit(), quote);
@@ -45,7 +46,7 @@ bool ParserCore::readAttributeValue(UnicodeString& value) {
         if (stop == scanner.limit()) continue;
         const char16_t c = *stop;
         scanner.skip();
-        if (c == quote && scanner.depth() <= depth) return true;
+        if (c == quote && scanner.depth() <= depth) break;
         if (c == u'&')
             readAttributeReference(value);
         else if (isXmlSpace(c))
@@ -54,6 +55,8 @@ bool ParserCore::readAttributeValue(UnicodeString& value) {
             value.append(c);
         if (c == u'<') error(PARSE_LESS_THAN_IN_VALUE);
     }
+    requireWhole(value);
+    return true;
 }
 
 void ParserCore::readAttributeReference(UnicodeString& value) {
@@ -75,9 +78,9 @@ bool ParserCore::readEntityValue(UnicodeString& value) {
         const int c = scanner.get();
         if (c == Scanner::END) {
             error(PARSE_UNENDED_LITERAL, UnicodeString(quote));
-            return true;
+            break;
         }
-        if (c == quote && scanner.depth() <= depth) return true;
+        if (c == quote && scanner.depth() <= depth) break;
         RyName name;
         if (c == u'&' && scanner.accept(u'#')) {
             std::uint32_t referenced;
@@ -92,6 +95,8 @@ bool ParserCore::readEntityValue(UnicodeString& value) {
             value.append(static_cast<char16_t>(c));
         }
     }
+    requireWhole(value);
+    return true;
 }
 
 bool ParserCore::readPlainLiteral(UnicodeString& value) {
@@ -102,6 +107,7 @@ bool ParserCore::readPlainLiteral(UnicodeString& value) {
         scanner.skip();
     else
         error(PARSE_UNENDED_LITERAL, UnicodeString(quote));
+    requireWhole(value);
     return true;
 }
 

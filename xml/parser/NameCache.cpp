@@ -5,8 +5,6 @@
 #include <cstring>
 
 #include "core/NameTable.h"
-#include "core/ShortScan.h"
-#include "core/TextHash.h"
 
 namespace RynCommon {
 
@@ -18,33 +16,34 @@ constexpr std::size_t TEXT_BLOCK = 4096;
 
 }  // namespace
 
-NameCache::NameCache() : slots_(FIRST_SLOTS), seed_(textHashSeed()) {}
+NameCache::NameCache()
+    : slots_(FIRST_SLOTS), seed_(textHashSeed()), generation_(sharedNameGeneration()) {}
 NameCache::~NameCache() = default;
 
-void NameCache::clear() {
-    slots_ = std::vector<Slot>(FIRST_SLOTS);
-    count_ = 0;
-    textBlocks_.clear();
-    textRoom_ = 0;
-    textNext_ = nullptr;
-    entryBlocks_.clear();
-    entryRoom_ = 0;
+std::uint32_t NameCache::hashOf(const char16_t* text, std::size_t length) const {
+    std::uint64_t hash = seed_;
+    for (; length >= 4; length -= 4, text += 4) hash = mixWord(hash, detail::loadFourUnits(text));
+    return finishHash(hash, detail::packUnits(text, length));
 }
 
 const CachedName& NameCache::find(const char16_t* text, std::size_t length, std::ptrdiff_t colon) {
-    const auto hash = static_cast<std::uint32_t>(hashText(text, length, seed_));
+    const std::uint32_t hash = hashOf(text, length);
+    const auto kind = static_cast<std::int32_t>(colon);
     const std::size_t mask = slots_.size() - 1;
     for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
         Slot& slot = slots_[i];
-        if (slot.entry == nullptr) return insert(slot, hash, text, length, colon);
-        if (slot.hash == hash && slot.length == length &&
-            equalUnits(slot.entry->text, text, length))
-            return *slot.entry;
+        if (slot.entry == nullptr) {
+            // Room comes first: nothing is entered that could not be searched for.
+            if ((count_ + 1) * 2 <= slots_.size()) return insert(slot, hash, text, length, kind);
+            grow();
+            return find(text, length, colon);
+        }
+        if (isEntry(slot, hash, text, length) && slot.entry->colon == kind) return *slot.entry;
     }
 }
 
 CachedName& NameCache::insert(Slot& slot, std::uint32_t hash, const char16_t* text,
-                              std::size_t length, std::ptrdiff_t colon) {
+                              std::size_t length, std::int32_t colon) {
     if (entryRoom_ == 0) {
         entryBlocks_.push_back(std::make_unique<CachedName[]>(ENTRY_BLOCK));
         entryRoom_ = ENTRY_BLOCK;
@@ -55,28 +54,30 @@ CachedName& NameCache::insert(Slot& slot, std::uint32_t hash, const char16_t* te
         entry.prefix = RyName();
         entry.local = internSharedName(text, size);
     } else {
-        const auto split = static_cast<std::int32_t>(colon);
-        entry.prefix = internSharedName(text, split);
-        entry.local = internSharedName(text + split + 1, size - split - 1);
+        entry.prefix = internSharedName(text, colon);
+        entry.local = internSharedName(text + colon + 1, size - colon - 1);
     }
+    entry.colon = colon;
     entry.text = keep(text, length);
     entry.length = static_cast<std::uint32_t>(length);
     --entryRoom_;
     slot = {hash, entry.length, &entry};
-    if (++count_ * 2 > slots_.size()) grow();
+    ++count_;
     return entry;
 }
 
 const char16_t* NameCache::keep(const char16_t* text, std::size_t length) {
     if (length > textRoom_) {
-        textRoom_ = std::max(TEXT_BLOCK, length);
-        textBlocks_.push_back(std::make_unique_for_overwrite<char16_t[]>(textRoom_));
+        const std::size_t room = std::max(TEXT_BLOCK, length);
+        textBlocks_.push_back(std::make_unique_for_overwrite<char16_t[]>(room));
         textNext_ = textBlocks_.back().get();
+        textRoom_ = room;
     }
     char16_t* const kept = textNext_;
     if (length != 0) std::memcpy(kept, text, length * sizeof(char16_t));
     textNext_ += length;
     textRoom_ -= length;
+    textUnits_ += length;
     return kept;
 }
 

@@ -20,6 +20,7 @@ NamespaceManager::NamespaceManager() : slots_(FIRST_SLOTS) {}
 
 void NamespaceManager::reset() {
     elements_.clear();
+    forgetLast();
     if (bindings_.empty()) return;
     bindings_.clear();
     std::fill(slots_.begin(), slots_.end(), Slot());
@@ -28,6 +29,7 @@ void NamespaceManager::reset() {
 }
 
 void NamespaceManager::unbindFrom(std::size_t first) {
+    forgetLast();
     while (bindings_.size() > first) {
         const Binding& binding = bindings_.back();
         if (binding.prefix.isEmpty())
@@ -39,6 +41,7 @@ void NamespaceManager::unbindFrom(std::size_t first) {
 }
 
 void NamespaceManager::bind(RyName prefix, RyName ns) {
+    forgetLast();
     const auto index = static_cast<std::int32_t>(bindings_.size());
     std::int32_t& innermost = prefix.isEmpty() ? defaultBinding_ : slotOf(prefix).binding;
     bindings_.push_back({prefix, ns, innermost});
@@ -46,6 +49,12 @@ void NamespaceManager::bind(RyName prefix, RyName ns) {
 }
 
 RyName NamespaceManager::lookupPrefix(RyName prefix) const {
+    lastNamespace_ = findPrefix(prefix);
+    lastPrefix_ = prefix;
+    return lastNamespace_;
+}
+
+RyName NamespaceManager::findPrefix(RyName prefix) const {
     if (prefix == RN_xml) return RN_NS_xml;
     if (prefix == RN_xmlns) return RN_NS_xmlns;
     const std::size_t mask = slots_.size() - 1;

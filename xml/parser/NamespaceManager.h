@@ -46,7 +46,8 @@ public:
     /// The namespace of a prefix (empty: the default); the empty name when unbound. "xml" and
     /// "xmlns" are always bound.
     RyName lookup(RyName prefix) const {
-        return prefix.isEmpty() ? namespaceAt(defaultBinding_) : lookupPrefix(prefix);
+        if (prefix.isEmpty()) return namespaceAt(defaultBinding_);
+        return prefix == lastPrefix_ ? lastNamespace_ : lookupPrefix(prefix);
     }
 
     int depth() const { return static_cast<int>(elements_.size()); }
@@ -74,6 +75,8 @@ private:
         return binding < 0 ? RyName() : bindings_[static_cast<std::size_t>(binding)].ns;
     }
     RyName lookupPrefix(RyName prefix) const;
+    RyName findPrefix(RyName prefix) const;
+    void forgetLast() { lastPrefix_ = lastNamespace_ = RyName(); }
     void unbindFrom(std::size_t first);
     void grow();
 
@@ -83,6 +86,9 @@ private:
         slots_;  // prefixes other than the empty one; open addressing, never removed from
     std::size_t prefixCount_ = 0;
     std::int32_t defaultBinding_ = -1;
+    // What was looked up last; mostly it is looked up again.
+    mutable RyName lastPrefix_;
+    mutable RyName lastNamespace_;
 };
 
 }  // namespace RynCommon

@@ -1,9 +1,9 @@
 // Errors, limits and the markup that may stand anywhere; see the header.
 #include "xml/parser/ParserCore.h"
 
-#include "core/NameTable.h"
-
 #include <RynCommon/RyUtil.h>
+
+#include "core/NameTable.h"
 
 namespace RynCommon {
 
@@ -30,6 +30,7 @@ ParserCore::ParserCore(WindowUser& user)
     : scanner(static_cast<ScannerOwner&>(*this)), user_(user) {}
 
 void ParserCore::reset() {
+    if (names == nullptr || names->generation() != sharedNameGeneration()) names = takeNameCache();
     scanner.base().close();
     scanner.begin(UnicodeString());
     generalEntities.clear();
@@ -71,21 +72,21 @@ void ParserCore::invalidCharacterRead() {
     error(PARSE_INVALID_CHARACTER);
 }
 
-/// The limit ends reading whether or not a callback takes errors.
+void ParserCore::exceedLimit() {
+    raise(PARSE_LIMIT_EXCEEDED,
+          parseErrorText(PARSE_LIMIT_EXCEEDED, UnicodeString(), UnicodeString()));
+}
+
 void ParserCore::countExpansion(std::int32_t units) {
     expanded_ += static_cast<std::uint64_t>(units) + 1;
     if (expanded_ <= limits.expansionThreshold) return;
     const std::uint64_t allowed = scanner.unitsRead() * limits.expansionFactor;
-    if (expanded_ > allowed)
-        raise(PARSE_LIMIT_EXCEEDED,
-              parseErrorText(PARSE_LIMIT_EXCEEDED, UnicodeString(), UnicodeString()));
+    if (expanded_ > allowed) exceedLimit();
 }
 
 /// Raises the limit's error when no further input may be opened.
 void ParserCore::checkNesting() {
-    if (scanner.depth() > limits.nestedInputs)
-        raise(PARSE_LIMIT_EXCEEDED,
-              parseErrorText(PARSE_LIMIT_EXCEEDED, UnicodeString(), UnicodeString()));
+    if (scanner.depth() > limits.nestedInputs) exceedLimit();
 }
 
 RyNameEnum ParserCore::keyword(const Scanner::Name& name) {

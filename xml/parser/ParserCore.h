@@ -8,7 +8,7 @@
 #include <RynCommon/RyXmlParser.h>
 
 #include "xml/parser/Entities.h"
-#include "xml/parser/NameCache.h"
+#include "xml/parser/NameCachePool.h"
 #include "xml/parser/ParseErrors.h"
 #include "xml/parser/Scanner.h"
 
@@ -32,7 +32,7 @@ public:
     ParserCore(const ParserCore&) = delete;
     ParserCore& operator=(const ParserCore&) = delete;
 
-    /// Forgets the document; features, callback, limits and cached names stay.
+    /// Forgets the document; features, callback, limits and known names stay.
     void reset();
 
     // Errors.
@@ -46,10 +46,23 @@ public:
         return features[static_cast<std::size_t>(feature)];
     }
 
+    void setLimits(const RyXmlLimits& all) {
+        limits = all;
+        scanner.setLongestName(all.nameLength);
+    }
+
     // Names.
     const CachedName& find(const Scanner::Name& name) {
-        return names.find(name.text, name.length, name.colon);
+        return names->find(name.text, name.length, name.colon);
     }
+    /// As NameCache::findBefore().
+    template <class... Delimiters>
+    const CachedName* findBefore(const char16_t* text, const char16_t* end,
+                                 Delimiters... delimiters) const {
+        const CachedName* const name = names->findBefore(text, end, delimiters...);
+        return name != nullptr && allows(*name) ? name : nullptr;
+    }
+    bool allows(const CachedName& name) const { return name.length <= limits.nameLength; }
     /// The number of a name that is compared only, and never interned.
     static RyNameEnum keyword(const Scanner::Name& name);
 
@@ -69,6 +82,8 @@ public:
     void expandParameter(RyName name, bool padded);
     /// Adds to what entities have given so far and raises the limit's error.
     void countExpansion(std::int32_t units);
+    /// Raises the error of all limits, which no callback takes.
+    [[noreturn]] void exceedLimit();
 
     // Literals; the reading point is before the quote. False when there is none.
     /// An attribute value: references resolved, white space characters as blanks. A value that
@@ -102,7 +117,7 @@ public:
     void applyGivenEncoding(TextInput& input, const UnicodeString& name);
 
     Scanner scanner;
-    NameCache names;
+    NameCachePtr names = takeNameCache();  // null between releaseBuffers() and the next input
     EntityTable generalEntities;
     EntityTable parameterEntities;
     bool mathMLEntities = false;
@@ -117,6 +132,7 @@ public:
 private:
     void invalidCharacterRead() override;
     void windowLeaves() override { user_.windowLeaves(); }
+    [[noreturn]] void nameTooLong() override { exceedLimit(); }
     [[noreturn]] void raise(unsigned short code, const UnicodeString& message);
     void checkDeclared(TextInput::Declared result, const UnicodeString& name);
     bool readPseudoAttribute(const UnicodeString& name, const UnicodeString& whereEquals,

@@ -69,7 +69,7 @@ bool ParserCore::readEntityName(char16_t sign, RyName& name) {
         error(PARSE_EMPTY_ENTITY_NAME);
         return false;
     }
-    name = names.findWhole(spelt.text, spelt.length);
+    name = names->findWhole(spelt.text, spelt.length);
     if (scanner.accept(u';')) return true;
     error(PARSE_BAD_ENTITY_REFERENCE,
           UnicodeString(sign).append(name.toString()).append(scanner.peekCharacter()));

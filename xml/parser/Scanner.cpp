@@ -4,6 +4,7 @@
 #include <RynCommon/RyString.h>
 #include <unicode/utf16.h>
 
+#include "core/MemoryCheck.h"
 #include "xml/parser/Entities.h"
 
 namespace RynCommon {
@@ -97,6 +98,7 @@ Scanner::Source& Scanner::pushSource(EntityDeclaration* entity) {
 void Scanner::pushText(const UnicodeString& text, EntityDeclaration* entity) {
     Source& source = pushSource(entity);
     source.text = text;
+    requireWhole(source.text);
     cur_ = seen_ = source.text.getBuffer();
     end_ = cur_ + source.text.length();
 }
@@ -195,6 +197,7 @@ bool Scanner::skipSpaceSlowly() {
 Scanner::Name Scanner::nameUpTo(const char16_t* begin, const char16_t* end, std::ptrdiff_t colon) {
     cur_ = end;
     look(end + 1);
+    if (static_cast<std::size_t>(end - begin) > longestName_) owner_.nameTooLong();
     return {begin, static_cast<std::size_t>(end - begin), colon, true};
 }
 
@@ -247,6 +250,8 @@ void Scanner::collectName() {
         if (cur_ == end_ && !more()) return;
         const char16_t* const p = nameEnd(cur_, end_);
         collected_.append(cur_, 0, static_cast<std::int32_t>(p - cur_));
+        requireWhole(collected_);
+        if (static_cast<std::size_t>(collected_.length()) > longestName_) owner_.nameTooLong();
         cur_ = p;
         if (p == end_) continue;
         look(p + 1);

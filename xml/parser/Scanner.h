@@ -2,11 +2,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
 #include <RynCommon/Forward.h>
 
+#include "core/MemoryCheck.h"
 #include "core/UnitScan.h"
 #include "xml/input/TextInput.h"
 #include "xml/parser/CharClass.h"
@@ -22,6 +24,8 @@ public:
     virtual void invalidCharacterRead() = 0;
     /// The units of the window are about to change: whatever points into it has to be copied.
     virtual void windowLeaves() = 0;
+    /// A name is longer than it may be. Does not return.
+    [[noreturn]] virtual void nameTooLong() = 0;
 
 protected:
     ~ScannerOwner() = default;
@@ -46,7 +50,7 @@ public:
         bool complete = false;      ///< false: no name, or only a prefix with its colon
 
         UnicodeString toString() const {
-            return UnicodeString(text, static_cast<std::int32_t>(length));
+            return takeWhole(UnicodeString(text, static_cast<std::int32_t>(length)));
         }
     };
 
@@ -84,6 +88,8 @@ public:
     UnicodeString peekCharacter();
 
     // Runs.
+    /// In units.
+    void setLongestName(std::size_t length) { longestName_ = length; }
     /// Reads white space; whether there was any.
     bool skipSpace() {
         if (cur_ != end_ && !isXmlSpace(*cur_)) {
@@ -176,6 +182,7 @@ private:
     std::vector<std::unique_ptr<Source>> sources_;
     std::size_t depth_ = 1;
     UnicodeString collected_;  // a name that crosses windows
+    std::size_t longestName_ = SIZE_MAX;
     std::uint64_t unitsOfClosedInputs_ = 0;
     UnicodeString* capture_ = nullptr;
     std::size_t captureDepth_ = 0;

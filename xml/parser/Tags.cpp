@@ -1,4 +1,5 @@
 // Start and end tags, with their attributes and namespaces.
+#include "core/MemoryCheck.h"
 #include "core/ShortScan.h"
 #include "xml/parser/XmlParserImpl.h"
 
@@ -9,8 +10,6 @@ namespace {
 /// What an added attribute counts in characters of expansion: a few bytes of a tag may call for a
 /// thousand of them.
 constexpr std::int32_t DEFAULT_ATTRIBUTE_COST = 64;
-
-constexpr CachedName NO_NAME{u"", 0, RyName(), RyName()};
 
 bool isSpaceAt(Scanner& scanner) {
     const int c = scanner.peek();
@@ -33,25 +32,73 @@ UnicodeString qualified(RyName prefix, RyName local) {
 void XmlParserImpl::readStartTag() {
     core_.event = START_TAG;
     if (rootSeen_ && namespaces_.depth() == 0) core_.error(PARSE_SECOND_ROOT);
-    const CachedName* name = &NO_NAME;
+    const CachedName& name = readElementName();
+    rootSeen_ = true;
+    if (static_cast<std::uint32_t>(namespaces_.depth()) >= core_.limits.depth) core_.exceedLimit();
+    namespaces_.push(name);
+    attributes_.clear();
+    emptyTag_ = hasQualifiedAttribute_ = false;
+    readPlainAttributes();
+    readAttributes();
+    if (!defaults_.isEmpty()) applyDefaults(name);
+    if (namespaces_.depth() == 1) bindBuiltinVocabulary(name);
+    resolveNamespaces();
+}
+
+const CachedName* XmlParserImpl::findElementName() const {
+    const char16_t* const begin = scanner_.cursor();
+    const char16_t* const end = scanner_.limit();
+    const CachedName* const guess = lastName_->successor;
+    if (guess != nullptr && static_cast<std::size_t>(end - begin) > guess->length) {
+        const char16_t behind = begin[guess->length];
+        const bool isEnd = behind == u'>' || behind == u' ' || behind == u'/';
+        if (isEnd && equalUnits(begin, guess->text, guess->length) && core_.allows(*guess))
+            return guess;
+    }
+    return core_.findBefore(begin, end, u'>', u' ', u'/');
+}
+
+const CachedName& XmlParserImpl::readElementName() {
+    const CachedName* const known = findElementName();
+    if (known != nullptr) {
+        scanner_.moveTo(scanner_.cursor() + known->length);
+        scanner_.look(scanner_.cursor() + 1);
+        lastName_->successor = known;
+        lastName_ = known;
+        return *known;
+    }
     Scanner::Name spelt = scanner_.scanQName();
     if (!spelt.complete && spelt.length == 0 && isSpaceAt(scanner_)) {
         core_.error(PARSE_UNEXPECTED_SPACE, UnicodeString(u'<'));
         scanner_.skipSpace();
         spelt = scanner_.scanQName();
     }
-    if (spelt.complete)
-        name = &core_.find(spelt);
-    else
-        core_.error(PARSE_BAD_START_TAG_NAME);
-    rootSeen_ = true;
-    namespaces_.push(*name);
-    attributes_.clear();
-    emptyTag_ = hasPrefixedAttribute_ = false;
-    readAttributes();
-    if (!defaults_.isEmpty()) applyDefaults(*name);
-    if (namespaces_.depth() == 1) bindBuiltinVocabulary(*name);
-    resolveNamespaces();
+    if (spelt.complete) return core_.find(spelt);
+    core_.error(PARSE_BAD_START_TAG_NAME);
+    return noName_;
+}
+
+/// The attributes at the reading point that stand in the window as most do: a known name, "=" and a
+/// quoted value to be taken as it is. Everything else is left to readAttributes().
+void XmlParserImpl::readPlainAttributes() {
+    const char16_t* const end = scanner_.limit();
+    const char16_t* p = scanner_.cursor();
+    while (p != end && isXmlSpace(*p) && attributes_.size() < core_.limits.attributes) {
+        const char16_t* at = p + 1;
+        while (at != end && isXmlSpace(*at)) ++at;
+        const CachedName* const name = core_.findBefore(at, end, u'=');
+        if (name == nullptr) return;
+        at += name->length + 1;
+        if (at == end || (*at != u'"' && *at != u'\'')) return;
+        const char16_t* const value = at + 1;
+        const char16_t* const stop = scanValueStop(value, end, *at);
+        if (stop == end || *stop != *at) return;
+        ParsedAttribute& attribute = attributes_.add(name->prefix, name->local);
+        attribute.value.setTo(false, value, static_cast<std::int32_t>(stop - value));
+        p = stop + 1;
+        scanner_.moveTo(p);
+        finishAttribute(attribute);
+    }
 }
 
 /// Up to and with ">" or "/>". "<" and the end of input end the tag as well.
@@ -103,17 +150,23 @@ void XmlParserImpl::readAttribute() {
         return;
     }
     scanner_.skipSpace();
-    ParsedAttribute& attribute = attributes_.add(name.prefix, name.local);
+    ParsedAttribute& attribute = addAttribute(name.prefix, name.local);
     if (!core_.readAttributeValue(attribute.value)) {
         attributes_.removeLast();
         return;
     }
-    if (!name.prefix.isEmpty()) hasPrefixedAttribute_ = true;
+    finishAttribute(attribute);
+}
+
+/// A namespace declaration takes effect.
+void XmlParserImpl::finishAttribute(const ParsedAttribute& attribute) {
+    if (!attribute.isQualified()) return;
+    hasQualifiedAttribute_ = true;
     if (!attribute.isNamespaceDeclaration()) return;
     const UnicodeString& uri = attribute.value;
     namespaces_.bind(
-        name.prefix.isEmpty() ? RyName() : name.local,
-        core_.names.findWhole(uri.getBuffer(), static_cast<std::size_t>(uri.length())));
+        attribute.prefix.isEmpty() ? RyName() : attribute.local,
+        core_.names->findWhole(uri.getBuffer(), static_cast<std::size_t>(uri.length())));
 }
 
 /// Reports what was read of the name with what follows up to a delimiter; at least one character is
@@ -151,9 +204,9 @@ void XmlParserImpl::applyDefaults(const CachedName& element) {
 
 void XmlParserImpl::addDefault(const AttributeDeclaration& declaration) {
     core_.countExpansion(declaration.defaultValue.length() + DEFAULT_ATTRIBUTE_COST);
-    ParsedAttribute& attribute = attributes_.add(declaration.prefix, declaration.local);
-    attribute.value = declaration.defaultValue;
-    if (!declaration.prefix.isEmpty()) hasPrefixedAttribute_ = true;
+    ParsedAttribute& attribute = addAttribute(declaration.prefix, declaration.local);
+    attribute.value = ownText(declaration.defaultValue);
+    if (attribute.isQualified()) hasQualifiedAttribute_ = true;
     if (attribute.isNamespaceDeclaration())
         namespaces_.bind(declaration.prefix.isEmpty() ? RyName() : declaration.local,
                          RyName(declaration.defaultValue));
@@ -181,6 +234,11 @@ void XmlParserImpl::resolveNamespaces() {
     const RyName ns = namespaces_.lookup(prefix);
     element.ns = ns;
     if (ns.isEmpty() && !prefix.isEmpty()) core_.error(PARSE_UNDECLARED_PREFIX, prefix.toString());
+    if (hasQualifiedAttribute_) resolveAttributes();
+    reportDuplicates();
+}
+
+void XmlParserImpl::resolveAttributes() {
     RyName lastPrefix, lastNs;
     for (std::size_t i = 0; i < attributes_.size(); ++i) {
         ParsedAttribute& attribute = attributes_[i];
@@ -199,7 +257,6 @@ void XmlParserImpl::resolveNamespaces() {
         else
             core_.error(PARSE_UNDECLARED_PREFIX, lastPrefix.toString());
     }
-    reportDuplicates();
 }
 
 void XmlParserImpl::reportDuplicates() {
@@ -214,7 +271,7 @@ void XmlParserImpl::reportDuplicates() {
 bool XmlParserImpl::readEndTag() {
     core_.event = END_TAG;
     const bool open = namespaces_.depth() > 0;
-    const CachedName& expected = open ? *namespaces_.top().name : NO_NAME;
+    const CachedName& expected = open ? *namespaces_.top().name : noName_;
     // Nearly always the open element's name as it was spelt, and ">".
     const char16_t* const begin = scanner_.cursor();
     const std::size_t length = expected.length;

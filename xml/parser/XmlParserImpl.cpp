@@ -15,8 +15,15 @@
 #include <unicode/locid.h>
 
 #include "core/ErrorLocations.h"
+#include "core/MemoryCheck.h"
 
 namespace RynCommon {
+
+namespace {
+
+constexpr char16_t SOURCE[] = u"RynCommon::XmlParserImpl";
+
+}  // namespace
 
 XmlParserImpl::XmlParserImpl()
     : core_(static_cast<ParserCore::WindowUser&>(*this)), scanner_(core_.scanner) {}
@@ -43,8 +50,8 @@ bool XmlParserImpl::getFeature(Feature feature) const {
 }
 
 void XmlParserImpl::setStreamType(const UnicodeString& type, const UnicodeString& charset) {
-    streamType_ = UnicodeString(type).toLower(icu::Locale::getRoot());
-    charset_ = UnicodeString(charset).toLower(icu::Locale::getRoot());
+    streamType_ = takeWhole(UnicodeString(type).toLower(icu::Locale::getRoot()));
+    charset_ = takeWhole(UnicodeString(charset).toLower(icu::Locale::getRoot()));
 }
 
 void XmlParserImpl::setCallbackError(ErrorCallback callback, void* user) {
@@ -53,7 +60,7 @@ void XmlParserImpl::setCallbackError(ErrorCallback callback, void* user) {
 }
 
 void XmlParserImpl::setLimits(const RyXmlLimits& limits) {
-    core_.limits = limits;
+    core_.setLimits(limits);
 }
 const RyXmlLimits& XmlParserImpl::getLimits() const {
     return core_.limits;
@@ -70,6 +77,8 @@ void XmlParserImpl::defineEntityReplacementText(RyName name, const UnicodeString
 
 void XmlParserImpl::resetDocument() {
     core_.reset();
+    noName_.successor = nullptr;
+    lastName_ = &noName_;
     namespaces_.reset();
     attributes_.clear();
     defaults_.clear();
@@ -82,13 +91,18 @@ void XmlParserImpl::resetDocument() {
 
 void XmlParserImpl::setInput(const UnicodeString& uri, const UnicodeString& encoding,
                              const UnicodeString& baseUri) {
+    withMemoryError(SOURCE, [&] { openInput(uri, encoding, baseUri); });
+}
+
+void XmlParserImpl::openInput(const UnicodeString& uri, const UnicodeString& encoding,
+                              const UnicodeString& baseUri) {
     resetDocument();
     const RyUri source(uri);
     std::unique_ptr<std::istream> stream(source.getStream());
     if (stream == nullptr)
         throwIoError(IO_CANNOT_OPEN, LOCATION_PARSER_SET_INPUT, source.getLocalPath());
     core_.inputUri = source.toString();
-    core_.baseUri = baseUri;
+    core_.baseUri = ownText(baseUri);
     if (baseUri.isEmpty() && source.isAbsolute() && !source.isDataScheme())
         core_.baseUri = source.getBaseString();
     scanner_.base().open(std::move(stream));
@@ -98,11 +112,13 @@ void XmlParserImpl::setInput(const UnicodeString& uri, const UnicodeString& enco
 
 void XmlParserImpl::setInput(std::istream& in, const UnicodeString& encoding,
                              const UnicodeString& baseUri) {
-    resetDocument();
-    core_.baseUri = baseUri;
-    scanner_.base().open(in);
-    scanner_.begin(UnicodeString());
-    core_.applyGivenEncoding(scanner_.base(), encoding);
+    withMemoryError(SOURCE, [&] {
+        resetDocument();
+        core_.baseUri = ownText(baseUri);
+        scanner_.base().open(in);
+        scanner_.begin(UnicodeString());
+        core_.applyGivenEncoding(scanner_.base(), encoding);
+    });
 }
 
 void XmlParserImpl::closeStream() {
@@ -113,7 +129,9 @@ void XmlParserImpl::releaseBuffers() {
     if (scanner_.base().isOpen() && !failed_) return;
     namespaces_.reset();  // elements that a failure left open point to names
     scanner_.releaseBuffers();
-    core_.names.clear();
+    core_.names.reset();
+    noName_.successor = nullptr;
+    lastName_ = &noName_;
     attributes_ = AttributeList();
     text_ = UnicodeString();
     isAliased_ = false;
@@ -151,16 +169,18 @@ void XmlParserImpl::start() {
 template <class Read>
 RyXmlParser::EventType XmlParserImpl::guarded(Read read) {
     try {
-        return read();
+        const EventType event = read();
+        requireWhole(text_);
+        return event;
     } catch (const RyError&) {
         failed_ = true;
         throw;
     } catch (const std::bad_alloc& error) {
         failed_ = true;
-        throw RyError(error, UnicodeString(u"RynCommon::XmlParserImpl"));
+        throw RyError(error, UnicodeString(SOURCE));
     } catch (const std::exception& error) {
         failed_ = true;
-        throw RyError(error, UnicodeString(u"RynCommon::XmlParserImpl"));
+        throw RyError(error, UnicodeString(SOURCE));
     } catch (...) {
         failed_ = true;
         throw;

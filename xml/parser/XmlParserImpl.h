@@ -84,6 +84,8 @@ private:
     EventType guarded(Read read);
     bool prepare();
     void start();
+    void openInput(const UnicodeString& uri, const UnicodeString& encoding,
+                   const UnicodeString& baseUri);
     void checkStream();
     Token peekToken();
     Token takeToken();
@@ -109,14 +111,23 @@ private:
     // Tags (Tags.cpp).
     void readStartTag();
     bool readEndTag();
+    const CachedName* findElementName() const;
+    const CachedName& readElementName();
+    void readPlainAttributes();
     void readAttributes();
     void readAttribute();
+    void finishAttribute(const ParsedAttribute& attribute);
+    ParsedAttribute& addAttribute(RyName prefix, RyName local) {
+        if (attributes_.size() >= core_.limits.attributes) core_.exceedLimit();
+        return attributes_.add(prefix, local);
+    }
     void readBadAttributeName(const Scanner::Name& name);
     void applyDefaults(const CachedName& element);
     void addDefault(const AttributeDeclaration& declaration);
     void bindBuiltinVocabulary(const CachedName& root);
     void bindVocabulary(RyName ns);
     void resolveNamespaces();
+    void resolveAttributes();
     void reportDuplicates();
     void skipToTagEnd();
 
@@ -129,6 +140,8 @@ private:
 
     mutable ParserCore core_;  // positions are counted when they are asked for
     Scanner& scanner_;
+    CachedName noName_{u"", 0, RyName(), RyName(), -1};
+    const CachedName* lastName_ = &noName_;  // of the start tag before
     NamespaceManager namespaces_;
     AttributeList attributes_;
     AttributeDefaults defaults_;
@@ -143,7 +156,7 @@ private:
     bool rootSeen_ = false;
     bool doctypeSeen_ = false;
     bool emptyTag_ = false;
-    bool hasPrefixedAttribute_ = false;
+    bool hasQualifiedAttribute_ = false;  // one with a prefix, or "xmlns"
     UnicodeString streamType_;
     UnicodeString charset_;
 };

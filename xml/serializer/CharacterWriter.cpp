@@ -26,7 +26,11 @@ constexpr std::size_t SMALLEST_PIECE = 256;
 enum Action : std::uint8_t { PASS, DROP, AMPERSAND, LESS, GREATER, QUOTE, REFERENCE };
 
 using ActionTable = std::array<Action, 128>;
-constexpr std::size_t TABLE_COUNT = 32;
+constexpr std::size_t TABLE_COUNT = 64;
+
+/// Joins the flags where Shift_JIS is written to be read as it was.
+constexpr unsigned ESCAPE_DELETE = 32;
+constexpr char16_t DELETE_CHARACTER = 0x7F;
 
 constexpr Action controlAction(char16_t unit, unsigned escapes) {
     if ((escapes & ESCAPE_CONTROLS) != 0) return REFERENCE;
@@ -48,6 +52,8 @@ constexpr Action actionFor(char16_t unit, unsigned escapes) {
             return (escapes & ESCAPE_QUOTE) != 0 ? QUOTE : PASS;
         case u'\'':
             return (escapes & ESCAPE_APOSTROPHE) != 0 ? REFERENCE : PASS;
+        case DELETE_CHARACTER:
+            return (escapes & ESCAPE_DELETE) != 0 ? REFERENCE : PASS;
         default:
             return PASS;
     }
@@ -126,10 +132,11 @@ struct Stops {
           less(escapes != ESCAPE_NONE ? u'<' : u'\0'),
           greater(escapes != ESCAPE_NONE ? u'>' : u'\0'),
           quote((escapes & ESCAPE_QUOTE) != 0 ? u'"' : ampersand),
-          apostrophe((escapes & ESCAPE_APOSTROPHE) != 0 ? u'\'' : ampersand) {}
+          apostrophe((escapes & ESCAPE_APOSTROPHE) != 0 ? u'\'' : ampersand),
+          last((escapes & ESCAPE_DELETE) != 0 ? 0x5E : 0x5F) {}
 
     bool matchAnyOf(const UnitGroup& units) const {
-        const auto found = (units - 0x20 > 0x5F) | (units == ampersand) | (units == less) |
+        const auto found = (units - 0x20 > last) | (units == ampersand) | (units == less) |
                            (units == greater) | (units == quote) | (units == apostrophe);
         std::uint64_t halves[2];
         static_assert(sizeof halves == sizeof found);
@@ -138,6 +145,7 @@ struct Stops {
     }
 
     std::uint16_t ampersand, less, greater, quote, apostrophe;
+    std::uint16_t last;  ///< the last unit that may pass, counted from U+0020
 };
 
 // Copies groups of units as far as all of them pass; `p` moves with them.
@@ -197,6 +205,7 @@ void CharacterWriter::write(const char16_t* text, std::size_t length, unsigned e
 }
 
 char* CharacterWriter::encode(const char16_t* p, const char16_t* end, unsigned escapes, char* out) {
+    if (isShiftJis_ && (escapes & ESCAPE_LINE_ENDS) != 0) escapes |= ESCAPE_DELETE;
     const ActionTable& actions = ACTIONS[escapes];
     const Stops stops(escapes);
     while (p != end) {
@@ -244,7 +253,8 @@ bool CharacterWriter::canEncode(const UnicodeString& text) const {
     if (!isShiftJis_) return true;
     const char16_t* const p = text.getBuffer();
     return std::all_of(p, p + text.length(), [this](char16_t unit) {
-        return unit < 128 || !shiftJis_->encode(unit).isMissing();
+        if (unit < 128) return unit != DELETE_CHARACTER;
+        return !shiftJis_->encode(unit).isMissing();
     });
 }
 

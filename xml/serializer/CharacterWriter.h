@@ -19,7 +19,9 @@ enum EscapeFlags : unsigned {
     ESCAPE_QUOTE = 2,       ///< the double quote
     ESCAPE_APOSTROPHE = 4,  ///< the apostrophe, as a reference
     ESCAPE_CONTROLS = 8,    ///< what is below U+0020, as references
-    ESCAPE_LINE_ENDS = 16,  ///< CR, U+0085 and U+2028, which readers turn into LF, as references
+    /// As references: CR, U+0085 and U+2028, which readers turn into LF, and in Shift_JIS U+007F,
+    /// whose byte readers by IBM's tables, ICU's among them, take for U+001A.
+    ESCAPE_LINE_ENDS = 16,
 };
 
 /// A buffer of encoded bytes in front of an output stream. The stream sees a write when the buffer

@@ -4,6 +4,8 @@
 #include <unicode/ucnv.h>
 #include <unicode/utf16.h>
 
+#include <new>
+
 namespace RynCommon {
 
 ShiftJisEncoder::ShiftJisEncoder() {
@@ -11,6 +13,7 @@ ShiftJisEncoder::ShiftJisEncoder() {
     // Without the converter's data every unit is missing and becomes a reference, which is right,
     // if long.
     converter_ = ucnv_open("cp932", &status);
+    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
     if (converter_ == nullptr) return;
     ucnv_setFromUCallBack(converter_, UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr,
                           &status);

@@ -3,6 +3,7 @@
 #include <RynCommon/RyNodeIterator.h>
 #include <RynCommon/RyXmlUtil.h>
 
+#include "core/MemoryCheck.h"
 #include "xml/tree/DocumentOrder.h"
 
 namespace RynCommon {
@@ -206,6 +207,7 @@ UnicodeString RyNode::getInnerText() const {
         else if (node->getNodeType() == TEXT_NODE)
             text.append(node->getText());
     }
+    requireWhole(text);
     return text;
 }
 

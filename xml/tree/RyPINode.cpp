@@ -2,6 +2,8 @@
 #include <RynCommon/RyDocument.h>
 #include <RynCommon/RyTextNode.h>
 
+#include "xml/tree/NodeCloner.h"
+
 namespace RynCommon {
 
 RyPINode::RyPINode(RyDocument* owner, const UnicodeString& content)
@@ -35,10 +37,13 @@ void RyPINode::setNodeValue(const RyValue& value) {
     setText(value.toString());
 }
 
-RyPtr<RyNode> RyPINode::cloneNode(bool) const {
+RyPtr<RyNode> RyPINode::cloneNode(bool deep) const {
     RyDocument* const document = getOwnerDocument();
     if (document == nullptr) return new RyPINode(nullptr, content_);
-    return RyPtr<RyNode>::adopt(document->createProcessingInstruction(content_).detach());
+    RyPtr<RyNode> copy =
+        RyPtr<RyNode>::adopt(document->createProcessingInstruction(content_).detach());
+    if (deep) NodeCloner::cloneChildren(*this, *copy);
+    return copy;
 }
 
 }  // namespace RynCommon

@@ -140,6 +140,23 @@ TEST(RyDocumentLoading, CallbacksLetLoadingGoOn) {
     EXPECT_TRUE(document->getDocumentElement()->isLoaded());
 }
 
+TEST(RyDocumentLoading, LimitsAreThoseOfTheParser) {
+    const RyPtr<RyDocument> document = new RyDocument;
+    RynCommon::RyXmlLimits limits;
+    limits.depth = 2;
+    document->getParser()->setLimits(limits);
+    for (const bool pull : {false, true}) {
+        document->setPullMode(pull);
+        const auto loadAll = [&](const char* xml) {
+            document->loadXml(units(xml));
+            while (document->loadNextNode() != nullptr) continue;
+        };
+        EXPECT_EQ(xmltest::errorOf([&] { loadAll("<a><b/></a>"); }).getErrorCode(), 0);
+        EXPECT_EQ(xmltest::errorOf([&] { loadAll("<a><b><c/></b></a>"); }).getErrorCode(), 6208);
+        EXPECT_EQ(dump(document), "a(b)");
+    }
+}
+
 TEST(RyDocumentLoading, EventsOutOfOrder) {
     constexpr auto S = RyXmlParser::START_TAG, E = RyXmlParser::END_TAG, T = RyXmlParser::TEXT;
     const struct {

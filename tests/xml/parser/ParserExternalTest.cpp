@@ -266,6 +266,58 @@ TEST(ParserExternal, LimitsCanBeSet) {
     EXPECT_EQ(parser->getLimits().nestedInputs, 8u);
 }
 
+TEST(ParserExternal, SizesCanBeLimited) {
+    const std::string longName = repeat("n", 20'000);
+    const struct {
+        const char* what;
+        std::string document;
+        std::uint32_t RyXmlLimits::*limit;
+        std::uint32_t reached;
+    } rows[] = {
+        {"attributes", "<a x='1' y='2' xmlns:p='u'/>", &RyXmlLimits::attributes, 3},
+        {"declared attributes", withSubset("<!ATTLIST a d CDATA 'v' e CDATA 'w'>", "<a x='1'/>"),
+         &RyXmlLimits::attributes, 3},
+        {"attributes of a later tag", "<a x='1'><b x='1'/><c x='1' y='2'/></a>",
+         &RyXmlLimits::attributes, 2},
+        {"element", "<pre:fix xmlns:pre='u'/>", &RyXmlLimits::nameLength, 9},
+        {"element with a prefix", "<pre:element xmlns:pre='u'/>", &RyXmlLimits::nameLength, 11},
+        {"attribute", "<a bcdef='1'/>", &RyXmlLimits::nameLength, 5},
+        {"known name", "<a><bcd/><bcd/></a>", &RyXmlLimits::nameLength, 3},
+        {"entity", withSubset("<!ENTITY an-entity 'x'>", "<a>&an-entity;</a>"),
+         &RyXmlLimits::nameLength, 9},
+        {"declared attribute", withSubset("<!ATTLIST a attribute CDATA 'v'>", "<a/>"),
+         &RyXmlLimits::nameLength, 9},
+        {"keyword", withSubset("<!ENTITY e 'x'>", "<a/>"), &RyXmlLimits::nameLength, 7},
+        {"target", "<?target x?><a/>", &RyXmlLimits::nameLength, 6},
+        {"long name", "<a><" + longName + "/></a>", &RyXmlLimits::nameLength, 20'000},
+        {"depth", "<a><b><c/></b><d/></a>", &RyXmlLimits::depth, 3},
+        {"depth in an entity", withSubset("<!ENTITY e '<b><c/></b>'>", "<a>&e;</a>"),
+         &RyXmlLimits::depth, 3},
+        {"root", "<a/>", &RyXmlLimits::depth, 1},
+    };
+    for (const auto& row : rows) {
+        RyXmlLimits limits;
+        EXPECT_EQ(limits.*row.limit, RyXmlLimits::UNLIMITED) << row.what;
+        for (const std::size_t chunk : {0, 1, 7}) {
+            limits.*row.limit = row.reached;
+            EXPECT_EQ(run(row.document, {.chunk = chunk, .limits = limits}).code, 0)
+                << row.what << " in pieces of " << chunk;
+            limits.*row.limit = row.reached - 1;
+            expectLimit(row.what, row.document, {.chunk = chunk, .limits = limits});
+        }
+    }
+    // A name of an earlier document is known, but not within a new limit.
+    const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
+    for (const std::uint32_t length : {3, 2}) {
+        std::istringstream in("<abc/>");
+        RyXmlLimits limits;
+        limits.nameLength = length;
+        parser->setLimits(limits);
+        parser->setInput(in, UnicodeString(), UnicodeString());
+        EXPECT_EQ(errorOf([&] { parser->next(); }).getErrorCode(), length == 3 ? 0 : 6208);
+    }
+}
+
 TEST(ParserExternal, ManySmallReferencesPass) {
     for (const std::string reference : {"&e;", "&amp;", "&#120;"}) {
         const Outcome outcome =

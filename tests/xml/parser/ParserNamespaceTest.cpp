@@ -1,6 +1,8 @@
 // Namespaces: scopes, faults, the built-in vocabularies and the declarations in force.
 #include "ParserFixture.h"
 
+#include <RynCommon/RyNameTable.h>
+
 using namespace xmltest;
 
 namespace {
@@ -31,8 +33,24 @@ TEST(ParserNamespace, BindingsHoldInTheirElement) {
             {"<a xmlns:xml='u' xml:lang='de'/>", "S(a {XMLNS}xmlns:xml=u {XML}xml:lang=de) E(a) ."},
             {"<xml:a/>", "S({XML}xml:a) E({XML}xml:a) ."},
             {"<a xmlns='&#117;'/>", "S({u}a {XMLNS}xmlns=u) E({u}a) ."},
+            // A namespace that is spelt as an element is.
+            {"<a xmlns:p='q:b' xmlns:q='u'><q:b/></a>",
+             "S(a {XMLNS}xmlns:p=q:b {XMLNS}xmlns:q=u) S({u}q:b) E({u}q:b) E(a) ."},
+            // A prefix that means something else from tag to tag.
+            {"<a xmlns:p='u'><p:b/><p:b xmlns:p='v'/><p:b/></a>",
+             "S(a {XMLNS}xmlns:p=u) S({u}p:b) E({u}p:b) S({v}p:b {XMLNS}xmlns:p=v) E({v}p:b) "
+             "S({u}p:b) E({u}p:b) E(a) ."},
         },
         {.namespaces = true});
+}
+
+/// What a parser knows of names goes on to the next one, but not beyond the table of names.
+TEST(ParserNamespace, NamesOutliveTheTableInNoParser) {
+    expectRows({{"<one-a two-b='1'/>", "S(one-a two-b=1) E(one-a) ."},
+                {"<two-b one-a='1'/>", "S(two-b one-a=1) E(two-b) ."}});
+    RynCommon::RyNameTable::cleanup();
+    expectRows({{"<three-c><one-a two-b='1'/></three-c>",
+                 "S(three-c) S(one-a two-b=1) E(one-a) E(three-c) ."}});
 }
 
 TEST(ParserNamespace, UndeclaredPrefixes) {

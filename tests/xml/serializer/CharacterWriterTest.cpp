@@ -78,7 +78,7 @@ TEST(CharacterWriterTest, EveryCharacterInUtf8IsAsIcuWritesIt) {
         ASSERT_EQ(written(text, ESCAPE_MARKUP), expected) << std::hex << c;
         text.remove();
     }
-    EXPECT_EQ(written(u"\u0085\u2028\r", ESCAPE_LINE_ENDS), "&#133;&#8232;&#13;");
+    EXPECT_EQ(written(u"\u0085\u2028\r\u007F", ESCAPE_LINE_ENDS), "&#133;&#8232;&#13;\x7F");
 }
 
 // What is written decodes to the unit again, or is a reference to it.
@@ -99,6 +99,8 @@ TEST(CharacterWriterTest, EveryUnitInShiftJisIsReadBack) {
     }
     ucnv_close(converter);
     EXPECT_GT(mapped, 7000);
+    EXPECT_EQ(written(u"1234567\u007F\u007F", ESCAPE_LINE_ENDS), "1234567&#127;&#127;");
+    EXPECT_EQ(written(u"1234567\u007F\u007F", ESCAPE_MARKUP), "1234567\x7F\x7F");
 }
 
 TEST(CharacterWriterTest, CanEncode) {
@@ -106,6 +108,7 @@ TEST(CharacterWriterTest, CanEncode) {
     EXPECT_TRUE(writer.canEncode(u"\u00E9"));
     writer.setShiftJis(true);
     EXPECT_TRUE(writer.canEncode(u"a\u65E5"));
+    EXPECT_FALSE(writer.canEncode(u"a\u007F")) << "is read as U+001A";
     EXPECT_FALSE(writer.canEncode(u"a\u00E9"));
     EXPECT_FALSE(writer.canEncode(u"\U0001F600"));
 }

@@ -1,0 +1,124 @@
+// Fuzz target of the vector kernels over runs of units, against their scalar twins. A run
+// ends where its block of memory ends, so that a sanitizer sees what is read or written beyond.
+//
+// The first byte chooses where the run starts, the next four are the units looked for, the rest is
+// the run: once as bytes, once as units.
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "core/UnitScan.h"
+#include "fuzz/ByteFeed.h"
+#include "fuzz/Require.h"
+
+using namespace RynCommon;
+
+namespace {
+
+/// A run that ends where its block ends.
+template <class Unit>
+class Run {
+public:
+    Run(const Unit* units, std::size_t count, std::size_t offset)
+        : block_(new Unit[offset + count]()), start_(offset), count_(count) {
+        std::copy(units, units + count, begin());
+    }
+
+    Unit* begin() { return block_.get() + start_; }
+    Unit* end() { return begin() + count_; }
+    std::size_t size() const { return count_; }
+
+    friend bool operator==(const Run& a, const Run& b) {
+        return std::equal(a.block_.get(), a.block_.get() + a.start_ + a.count_, b.block_.get());
+    }
+
+private:
+    std::unique_ptr<Unit[]> block_;
+    std::size_t start_;
+    std::size_t count_;
+};
+
+using Units = Run<char16_t>;
+using Bytes = Run<std::uint8_t>;
+
+void checkFinding(Units& run, char16_t a, char16_t b) {
+    const char16_t* const p = run.begin();
+    const char16_t* const end = run.end();
+    require(findTextStop(p, end) == scalar::findTextStop(p, end), "findTextStop");
+    for (const char16_t quote : {u'"', u'\'', a}) {
+        require(findValueStop(p, end, quote) == scalar::findValueStop(p, end, quote),
+                "findValueStop");
+    }
+    require(findUnit(p, end, a) == scalar::findUnit(p, end, a) &&
+                findUnit(p, end, a) == std::find(p, end, a),
+            "findUnit");
+    require(findMarkupStop(p, end, a, b) == scalar::findMarkupStop(p, end, a, b), "findMarkupStop");
+    require(findLineBreakUnit(p, end) == scalar::findLineBreakUnit(p, end), "findLineBreakUnit");
+}
+
+void checkCounting(Units& run) {
+    const LineCount found = countLines(run.begin(), run.end());
+    const LineCount expected = scalar::countLines(run.begin(), run.end());
+    require(
+        found.lines == expected.lines && found.charactersAfterLast == expected.charactersAfterLast,
+        "countLines");
+}
+
+void checkNarrowing(Units& run, std::size_t offset) {
+    const bool isNarrow = isLatin1(run.begin(), run.size());
+    require(isNarrow == scalar::isLatin1(run.begin(), run.size()), "isLatin1");
+    if (!isNarrow) return;
+    const std::string zeros(run.size(), '\0');
+    const auto* const blank = reinterpret_cast<const std::uint8_t*>(zeros.data());
+    Bytes one(blank, run.size(), offset);
+    Bytes other(blank, run.size(), offset);
+    narrowLatin1(run.begin(), run.size(), one.begin());
+    scalar::narrowLatin1(run.begin(), run.size(), other.begin());
+    require(one == other, "narrowLatin1");
+}
+
+void checkWidening(Bytes& run, std::size_t offset) {
+    const std::u16string blank(run.size(), u'\0');
+    Units one(blank.data(), run.size(), offset);
+    Units other(blank.data(), run.size(), offset);
+    widenLatin1(run.begin(), run.size(), one.begin());
+    scalar::widenLatin1(run.begin(), run.size(), other.begin());
+    require(one == other, "widenLatin1");
+
+    const std::size_t count = widenAscii(run.begin(), run.size(), one.begin());
+    require(count == scalar::widenAscii(run.begin(), run.size(), other.begin()), "widenAscii");
+    require(std::equal(one.begin(), one.begin() + count, other.begin()), "widenAscii's units");
+}
+
+void checkUnits(const char16_t* units, std::size_t count, std::size_t offset, char16_t a,
+                char16_t b) {
+    Units run(units, count, offset);
+    checkFinding(run, a, b);
+    checkCounting(run);
+    checkNarrowing(run, offset / 2);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    ByteFeed feed(data, size);
+    const std::size_t offset = feed.take();
+    const auto takeUnit = [&] {
+        const unsigned low = feed.take();
+        return static_cast<char16_t>(low | unsigned{feed.take()} << 8);
+    };
+    const char16_t a = takeUnit();
+    const char16_t b = takeUnit();
+    const std::string_view rest = feed.rest();
+
+    Bytes bytes(reinterpret_cast<const std::uint8_t*>(rest.data()), rest.size(), offset);
+    checkWidening(bytes, offset / 3);
+    std::u16string units(rest.size() / 2, u'\0');
+    std::memcpy(units.data(), rest.data(), units.size() * 2);
+    checkUnits(units.data(), units.size(), offset, a, b);
+    const std::u16string wide(bytes.begin(), bytes.end());
+    checkUnits(wide.data(), wide.size(), offset, a, b);
+    return 0;
+}
