@@ -1,8 +1,4 @@
-// Text in exactly the room it needs.
-//
-// A block is four bytes of length and width followed by the units, in one allocation. Most texts of
-// documents are Latin-1 and take half the room of UTF-16; many values are so short that they fit
-// into the pointer, which saves the allocation.
+// Text in exactly the room it needs, and reading one after the other.
 #include <algorithm>
 #include <cstring>
 #include <iterator>
@@ -11,55 +7,45 @@
 
 #include <RynCommon/RyString.h>
 
+#include "core/CompactUnits.h"
 #include "core/MemoryCheck.h"
 #include "core/SlabMemory.h"
 #include "core/UnitScan.h"
 
 namespace RynCommon {
 
-struct RyCompactText::Block {
-    std::uint32_t lengthAndWidth;  // the length times two, plus one where units take two bytes
+RyCompactText::Block* RyCompactText::Block::allocate(std::size_t length, bool wide) {
+    void* const room = SlabMemory::allocate(sizeof(Block) + (length << int{wide}));
+    return ::new (room) Block{static_cast<std::uint32_t>(length << 1 | std::size_t{wide})};
+}
 
-    static Block* make(const char16_t* text, std::int32_t length) {
-        const std::size_t n = static_cast<std::size_t>(length);
-        const bool wide = !isLatin1(text, n);
-        Block* const block = allocate(n, wide);
-        if (wide)
-            std::memcpy(block->bytes(), text, 2 * n);
-        else
-            narrowLatin1(text, n, block->bytes());
-        return block;
-    }
+RyCompactText::Block* RyCompactText::Block::make(const char16_t* text, std::int32_t length) {
+    const std::size_t n = static_cast<std::size_t>(length);
+    const bool wide = !isLatin1(text, n);
+    Block* const block = allocate(n, wide);
+    if (wide)
+        std::memcpy(block->bytes(), text, 2 * n);
+    else
+        narrowLatin1(text, n, block->bytes());
+    return block;
+}
 
-    static Block* copy(const Block* other) {
-        Block* const block = allocate(other->length(), other->isWide());
-        std::memcpy(block->bytes(), other->bytes(), other->size());
-        return block;
-    }
+RyCompactText::Block* RyCompactText::Block::copy(const Block* other) {
+    Block* const block = allocate(other->length(), other->isWide());
+    std::memcpy(block->bytes(), other->bytes(), other->size());
+    return block;
+}
 
-    static void free(Block* block) { SlabMemory::release(block, sizeof(Block) + block->size()); }
+void RyCompactText::Block::free(Block* block) {
+    SlabMemory::release(block, sizeof(Block) + block->size());
+}
 
-    std::size_t length() const { return lengthAndWidth >> 1; }
-    bool isWide() const { return (lengthAndWidth & 1) != 0; }
-    std::size_t size() const { return length() << (lengthAndWidth & 1); }
-    std::uint8_t* bytes() { return reinterpret_cast<std::uint8_t*>(this + 1); }
-    const std::uint8_t* bytes() const { return reinterpret_cast<const std::uint8_t*>(this + 1); }
-    const char16_t* units() const { return reinterpret_cast<const char16_t*>(this + 1); }
-
-    // Units from `from` on; `to` has room for `count`.
-    void copyUnits(std::size_t from, std::size_t count, char16_t* to) const {
-        if (isWide())
-            std::memcpy(to, units() + from, 2 * count);
-        else
-            widenLatin1(bytes() + from, count, to);
-    }
-
-private:
-    static Block* allocate(std::size_t length, bool wide) {
-        void* const room = SlabMemory::allocate(sizeof(Block) + (length << int{wide}));
-        return ::new (room) Block{static_cast<std::uint32_t>(length << 1 | std::size_t{wide})};
-    }
-};
+void RyCompactText::Block::copyUnits(std::size_t from, std::size_t count, char16_t* to) const {
+    if (isWide())
+        std::memcpy(to, units() + from, 2 * count);
+    else
+        widenLatin1(bytes() + from, count, to);
+}
 
 namespace {
 
@@ -185,6 +171,57 @@ bool RyCompactText::equals(const UnicodeString& text) const {
         if (units[i] != unit) return false;
     }
     return true;
+}
+
+// Reading.
+
+namespace {
+
+/// Widens and asks for what comes two pieces later. Blocks of long texts lie far apart, so that the
+/// processor does not foresee the next lines in time by itself; this takes a third off walks over
+/// path data.
+void widenLong(const std::uint8_t* p, std::size_t length, char16_t* to) {
+    constexpr std::size_t PIECE = 512;
+#if defined(__GNUC__)
+    constexpr std::size_t CACHE_LINE = 64;
+    for (; length >= 2 * PIECE; p += PIECE, to += PIECE, length -= PIECE) {
+        // Near the end the addresses may lie beyond the text, where a request does no harm.
+        const auto ahead = reinterpret_cast<std::uintptr_t>(p) + 2 * PIECE;
+        for (std::size_t i = 0; i < PIECE; i += CACHE_LINE)
+            __builtin_prefetch(reinterpret_cast<const void*>(ahead + i));
+        widenLatin1(p, PIECE, to);
+    }
+#endif
+    widenLatin1(p, length, to);
+}
+
+}  // namespace
+
+std::u16string_view RyTextBuffer::read(const RyCompactText& text) {
+    if (!text.hasBlock()) {
+        char16_t* const to = makeRoom(SHORT_MOST);
+        unpackShort(text.word_, to);
+        return {to, shortLength(text.word_)};
+    }
+    const RyCompactText::Block& block = *text.block();
+    const std::size_t length = block.length();
+    if (block.isWide()) return {block.units(), length};
+    char16_t* const to = makeRoom(length);
+    widenLong(block.bytes(), length, to);
+    return {to, length};
+}
+
+std::u16string_view RyTextBuffer::read(const UnicodeString& text) {
+    const auto length = static_cast<std::size_t>(text.length());
+    char16_t* const to = makeRoom(length);
+    if (length > 0) std::memcpy(to, text.getBuffer(), length * sizeof(char16_t));
+    return {to, length};
+}
+
+void RyTextBuffer::grow(std::size_t length) {
+    const std::size_t wanted = std::max({length, 2 * capacity_, LEAST});
+    room_ = std::make_unique_for_overwrite<char16_t[]>(wanted);
+    capacity_ = wanted;
 }
 
 }  // namespace RynCommon

@@ -37,6 +37,12 @@ public:
     void setText(const UnicodeString& text) override;
     /// Replaces the text of `text`, whose buffer is used again.
     void copyTextTo(UnicodeString& text) const;
+    /// The units of the value's text form as `buffer` shows them: the quick way to read many.
+    std::u16string_view readText(RyTextBuffer& buffer) const {
+        return holdsText() ? buffer.read(text_) : buffer.read(getText());
+    }
+    /// The text of a value that is a string of unknown sort.
+    const RyCompactText& getCompactText() const { return text_; }
     /// Whether the value is a string of unknown sort, which is kept as text alone.
     bool holdsText() const { return getFlag(FLAG_TEXT); }
     RyPtr<RyNode> cloneNode(bool deep) const override;

@@ -80,10 +80,14 @@ public:
     virtual RyNodeIterator getIterator() const;
 
     RyNode* getParentNodeFast() const { return parent_; }
-    RyNode* getFirstChildFast() const { return last_ != nullptr ? last_->next_ : nullptr; }
+    RyNode* getFirstChildFast() const {
+        fetchAhead();
+        return last_ != nullptr ? last_->next_ : nullptr;
+    }
     RyNode* getLastChildFast() const { return last_; }
     /// Null for the last child.
     RyNode* getNextSiblingFast() const {
+        fetchAhead();
         return parent_ == nullptr || parent_->last_ == this ? nullptr : next_;
     }
     RyNode* getPreviousSiblingFast() const { return previous_; }
@@ -188,6 +192,19 @@ public:
 
 protected:
     explicit RyNode(RyDocument* owner) : owner_(owner) {}
+
+    /// Asks for the memory that a walk in document order needs next. A loaded tree lies in memory
+    /// in that order, so what comes soon lies some twenty nodes further on; waiting for it is what
+    /// a walk over a large tree spends most of its time with otherwise. Where another thing lies
+    /// there, or nothing, the processor drops the request.
+    void fetchAhead() const {
+#if defined(__GNUC__)
+        constexpr std::uintptr_t DISTANCE = 2048, CACHE_LINE = 64;
+        const auto ahead = reinterpret_cast<std::uintptr_t>(this) + DISTANCE;
+        __builtin_prefetch(reinterpret_cast<const void*>(ahead));
+        __builtin_prefetch(reinterpret_cast<const void*>(ahead + CACHE_LINE));
+#endif
+    }
 
 private:
     friend class NodeLinks;

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
+#include <string_view>
 
 #include <RynCommon/Forward.h>
 
@@ -65,6 +67,8 @@ public:
     bool equals(const UnicodeString& text) const;
 
 private:
+    friend class CompactUnits;
+    friend class RyTextBuffer;
     struct Block;
 
     bool hasBlock() const { return word_ != 0 && (word_ & 1) == 0; }
@@ -75,6 +79,32 @@ private:
     // 0 for the empty text; the address of a block; or, when bit 0 is set, the text itself: its
     // length in bits 1 to 3 and its units in the bytes above.
     std::uintptr_t word_ = 0;
+};
+
+/// Shows the units of a tree's texts one after the other without making strings of them: of a text
+/// that is kept as UTF-16 where they lie, of any other one widened into memory that is used again.
+class RYNCOMMON_API RyTextBuffer {
+public:
+    RyTextBuffer() = default;
+    RyTextBuffer(const RyTextBuffer&) = delete;
+    RyTextBuffer& operator=(const RyTextBuffer&) = delete;
+
+    /// The units, valid until the next call and as long as `text` lives unchanged.
+    std::u16string_view read(const RyCompactText& text);
+    /// Those of a copy of the string.
+    std::u16string_view read(const UnicodeString& text);
+
+private:
+    static constexpr std::size_t LEAST = 256;  // units, more than any text without a block has
+
+    char16_t* makeRoom(std::size_t length) {
+        if (length >= capacity_) grow(length);
+        return room_.get();
+    }
+    void grow(std::size_t length);
+
+    std::unique_ptr<char16_t[]> room_;
+    std::size_t capacity_ = 0;
 };
 
 }  // namespace RynCommon

@@ -24,6 +24,8 @@ public:
     int getLength() const { return data_.length(); }
     /// Replaces the text of `text`, whose buffer is used again.
     void copyTextTo(UnicodeString& text) const { data_.copyTo(text); }
+    /// The text's units as `buffer` shows them: the quick way to read many.
+    std::u16string_view readText(RyTextBuffer& buffer) const { return buffer.read(data_); }
     const RyCompactText& getCompactData() const { return data_; }
 
     RyName getNodeName() const override { return RN_hash_text; }

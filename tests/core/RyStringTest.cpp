@@ -94,6 +94,26 @@ TEST(RyCompactText, CopiesAndMoves) {
     expectText(moved, u"");
 }
 
+TEST(RyTextBuffer, ShowsOneTextAfterTheOther) {
+    RyTextBuffer buffer;
+    const auto shown = [&](const auto& text) {
+        const std::u16string_view units = buffer.read(text);
+        return UnicodeString(units.data(), static_cast<std::int32_t>(units.size()));
+    };
+    EXPECT_EQ(shown(RyCompactText()), UnicodeString());
+    UnicodeString growing;
+    for (int length = 0; length < 5000; length = length < 40 ? length + 1 : length * 2 - 13) {
+        SCOPED_TRACE(length);
+        while (growing.length() < length)
+            growing.append(static_cast<char16_t>(0x20 + growing.length() % 0xE0));
+        const UnicodeString wide = growing + u"\u3042";
+        EXPECT_EQ(shown(RyCompactText(growing)), growing);
+        EXPECT_EQ(shown(RyCompactText(wide)), wide);
+        EXPECT_EQ(shown(growing), growing);
+        EXPECT_EQ(shown(RyCompactText(u"x")), UnicodeString(u"x"));
+    }
+}
+
 TEST(RyCompactText, NothingToHold) {
     UnicodeString bogus;
     bogus.setToBogus();

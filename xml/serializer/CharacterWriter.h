@@ -1,4 +1,4 @@
-// Turns runs of UTF-16 into the bytes of the output.
+// Turns runs of text and names into the bytes of the output.
 #pragma once
 
 #include <cstddef>
@@ -6,23 +6,14 @@
 #include <ostream>
 #include <string_view>
 
-#include <RynCommon/Forward.h>
+#include <RynCommon/RyName.h>
+#include <RynCommon/RyString.h>
 
+#include "xml/serializer/Escapes.h"
+#include "xml/serializer/NameBytes.h"
 #include "xml/serializer/ShiftJisEncoder.h"
 
 namespace RynCommon {
-
-/// What is escaped in a run, apart from what its place in the document asks for anyway.
-enum EscapeFlags : unsigned {
-    ESCAPE_NONE = 0,
-    ESCAPE_MARKUP = 1,      ///< "&", "<" and ">"; every flag below does this, too
-    ESCAPE_QUOTE = 2,       ///< the double quote
-    ESCAPE_APOSTROPHE = 4,  ///< the apostrophe, as a reference
-    ESCAPE_CONTROLS = 8,    ///< what is below U+0020, as references
-    /// As references: CR, U+0085 and U+2028, which readers turn into LF, and in Shift_JIS U+007F,
-    /// whose byte readers by IBM's tables, ICU's among them, take for U+001A.
-    ESCAPE_LINE_ENDS = 16,
-};
 
 /// A buffer of encoded bytes in front of an output stream. The stream sees a write when the buffer
 /// is full or drain() is called, and keeps its own failure state: bytes that it does not take are
@@ -40,8 +31,30 @@ public:
     void write(const UnicodeString& text, unsigned escapes) {
         write(text.getBuffer(), static_cast<std::size_t>(text.length()), escapes);
     }
+    /// As it is kept, which need not be UTF-16. `escapes` is one of the two below.
+    void write(const RyCompactText& text, unsigned escapes);
+    static constexpr unsigned TEXT_ESCAPES = ESCAPE_MARKUP;
+    static constexpr unsigned VALUE_ESCAPES = ESCAPE_MARKUP | ESCAPE_QUOTE;
+
     /// Markup of our own: short and ASCII.
-    void writeAscii(std::string_view text);
+    void writeAscii(std::string_view text) {
+        char* const out = room(text.size());
+        next_ = appendText(out, text);
+    }
+    /// A qualified name between pieces of such markup.
+    void writeName(std::string_view before, RyName prefix, RyName localName,
+                   std::string_view after) {
+        const std::uint64_t key = NameBytes::keyOf(prefix, localName);
+        NameBytes::Entry& entry = names_->find(prefix, localName);
+        if ((entry.key != key || key == 0) && !keepName(entry, prefix, localName)) {
+            writeAscii(before);
+            writeLongName(prefix, localName);
+            writeAscii(after);
+            return;
+        }
+        char* const out = room(NameBytes::MOST + before.size() + after.size());
+        next_ = appendText(entry.append(appendText(out, before)), after);
+    }
     /// Hands the buffer to the stream. An exception of the stream is left to its state.
     void drain();
 
@@ -51,14 +64,31 @@ public:
 private:
     static constexpr std::size_t CAPACITY = 32 * 1024;
 
-    char* room(std::size_t bytes);
+    char* room(std::size_t bytes) {
+        if (static_cast<std::size_t>(end_ - next_) < bytes) [[unlikely]]
+            drain();
+        return next_;
+    }
+    bool keepName(NameBytes::Entry& entry, RyName prefix, RyName localName);
+    void writeLongName(RyName prefix, RyName localName);
     char* encode(const char16_t* p, const char16_t* end, unsigned escapes, char* out);
     char* encodeBeyondAscii(const char16_t*& p, const char16_t* end, unsigned escapes, char* out);
     char* encodeShiftJis(char16_t unit, char* out);
 
+    // Latin-1, in Latin1Runs.cpp.
+    template <unsigned escapes>
+    void writeLatin1(const std::uint8_t* text, std::size_t length);
+    template <unsigned escapes>
+    char* encodeGroups(const std::uint8_t*& p, const std::uint8_t* end, char* out);
+    template <unsigned escapes>
+    char* encodeWord(const std::uint8_t* p, std::uint64_t word, std::size_t length, char* out);
+    char* encodeLatin1(const std::uint8_t* p, std::size_t length, unsigned escapes, char* out);
+
     std::ostream* out_ = nullptr;
-    std::unique_ptr<char[]> buffer_;
-    std::size_t used_ = 0;
+    std::unique_ptr<char[]> buffer_;  // while there is an output
+    char* next_ = nullptr;
+    char* end_ = nullptr;
+    std::unique_ptr<NameBytes> names_;           // while there is an output
     std::unique_ptr<ShiftJisEncoder> shiftJis_;  // made on first need
     bool isShiftJis_ = false;
 };

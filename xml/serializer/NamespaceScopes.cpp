@@ -30,16 +30,6 @@ void NamespaceScopes::clear() {
     beginTag();
 }
 
-void NamespaceScopes::openScope() {
-    scopes_.push_back({bindings_.size(), generated_});
-}
-
-void NamespaceScopes::closeScope() {
-    while (bindings_.size() > scopes_.back().firstBinding) unbindLast();
-    generated_ = scopes_.back().generated;
-    scopes_.pop_back();
-}
-
 std::int32_t NamespaceScopes::topOf(RyName prefix) const {
     const PrefixState* const state = prefixes_.find(prefix);
     return state != nullptr ? state->top : NONE;
@@ -161,7 +151,17 @@ void NamespaceScopes::declareExplicitly(RyName prefix, RyName ns) {
         declareGenerated(ns);
 }
 
+// What nearly every name asks for, in one look-up.
+bool NamespaceScopes::claimInForce(RyName ns, RyName wanted) {
+    if (wanted == RN_xml || ns == RN_NS_xml) return false;
+    PrefixState& state = prefixes_[wanted];
+    if (state.claimedBy == tag_ || state.top == NONE || bindings_[state.top].ns != ns) return false;
+    state.claimedBy = tag_;
+    return true;
+}
+
 RyName NamespaceScopes::claimForElement(RyName ns, RyName wanted) {
+    if (claimInForce(ns, wanted)) return wanted;
     if (ns == RN_NS_xml) return RN_xml;
     if (isClaimed(wanted)) return claimAnyForElement(ns);
     if (getNamespace(wanted) == ns)
@@ -179,6 +179,7 @@ RyName NamespaceScopes::claimAnyForElement(RyName ns) {
 }
 
 RyName NamespaceScopes::claimForAttribute(RyName ns, RyName wanted) {
+    if (!wanted.isEmpty() && claimInForce(ns, wanted)) return wanted;
     if (ns == RN_NS_xml) return RN_xml;
     if (!wanted.isEmpty() && getNamespace(wanted) == ns) {
         claim(wanted);

@@ -28,8 +28,12 @@ public:
     /// Whether generated prefixes are "ns1", "ns2", ..., lowest free one first, or names that begin
     /// with a hyphen.
     void setPlainPrefixes(bool on) { plainPrefixes_ = on; }
-    void openScope();
-    void closeScope();
+    void openScope() { scopes_.push_back({bindings_.size(), generated_}); }
+    void closeScope() {
+        while (bindings_.size() > scopes_.back().firstBinding) unbindLast();
+        generated_ = scopes_.back().generated;
+        scopes_.pop_back();
+    }
     /// Forgets the claims of the start tag before.
     void beginTag() { ++tag_; }
 
@@ -101,6 +105,7 @@ private:
     void unbindLast();
     void link(std::int32_t binding);
     void unlink(std::int32_t binding);
+    bool claimInForce(RyName ns, RyName wanted);
     void take(RyName prefix, RyName ns);
     RyName generatePrefix();
 

@@ -217,8 +217,7 @@ void XmlSerializerImpl::startTag(RyName ns, RyName prefix, RyName localName, boo
     attributeNames_.clear();
     const RyName written = claimElementPrefix(ns, prefix, generate);
     elements_.push_back({ns, written, localName});
-    writer_.writeAscii("<");
-    writeQName(written, localName);
+    writer_.writeName("<", written, localName, "");
     state_ = TAG_OPEN;
 }
 
@@ -241,11 +240,28 @@ void XmlSerializerImpl::attribute(RyName ns, RyName prefix, RyName localName,
     attributeSub(ns, prefix, localName, value);
 }
 
+void XmlSerializerImpl::attribute(RyName ns, RyName prefix, RyName localName,
+                                  const RyCompactText& value) {
+    if (conformant_ || isDeclaration(ns, prefix, localName))
+        return attributeSub(ns, prefix, localName, value.toString());
+    checkStream();
+    requireTagPending();
+    const RyName written = ns.isEmpty() ? prefix : scopes_.claimForAttribute(ns, prefix);
+    writer_.writeName(" ", written, localName, "=\"");
+    writer_.write(value, CharacterWriter::VALUE_ESCAPES);
+    writer_.writeAscii("\"");
+    state_ = TAG_WITH_ATTRIBUTES;
+}
+
+void XmlSerializerImpl::requireTagPending() const {
+    if (!isTagPending())
+        throwSystemError(SYSTEM_ATTRIBUTE_MISPLACED, LOCATION_SERIALIZER_ATTRIBUTE);
+}
+
 void XmlSerializerImpl::attributeSub(RyName ns, RyName prefix, RyName localName,
                                      const UnicodeString& value) {
     checkStream();
-    if (!isTagPending())
-        throwSystemError(SYSTEM_ATTRIBUTE_MISPLACED, LOCATION_SERIALIZER_ATTRIBUTE);
+    requireTagPending();
     if (isDeclaration(ns, prefix, localName)) {
         declareByAttribute(localName, value);
     } else {
@@ -304,9 +320,7 @@ void XmlSerializerImpl::endElement() {
     if (isTagPending()) {
         closeStartTag(true);
     } else {
-        writer_.writeAscii("</");
-        writeQName(elements_.back().prefix, elements_.back().localName);
-        writer_.writeAscii(">");
+        writer_.writeName("</", elements_.back().prefix, elements_.back().localName, ">");
     }
     elements_.pop_back();
     scopes_.closeScope();
@@ -346,6 +360,15 @@ void XmlSerializerImpl::text(const char16_t* buffer, int start, int length) {
     if (conformant_) requireWellFormed(isCharacterData(first, count));
     beginContent();
     writer_.write(first, count, textEscapes());
+    state_ = TEXT_WRITTEN;
+    endContent();
+}
+
+void XmlSerializerImpl::text(const RyCompactText& text) {
+    if (conformant_) return this->text(text.toString());
+    checkStream();
+    beginContent();
+    writer_.write(text, CharacterWriter::TEXT_ESCAPES);
     state_ = TEXT_WRITTEN;
     endContent();
 }
@@ -409,19 +432,9 @@ void XmlSerializerImpl::writeMarkup(std::string_view before, const UnicodeString
     writer_.writeAscii(after);
 }
 
-void XmlSerializerImpl::writeQName(RyName prefix, RyName localName) {
-    if (!prefix.isEmpty()) {
-        writer_.write(prefix.toString(), ESCAPE_NONE);
-        writer_.writeAscii(":");
-    }
-    writer_.write(localName.toString(), ESCAPE_NONE);
-}
-
 void XmlSerializerImpl::writeAttribute(RyName prefix, RyName localName,
                                        const UnicodeString& value) {
-    writer_.writeAscii(" ");
-    writeQName(prefix, localName);
-    writer_.writeAscii("=\"");
+    writer_.writeName(" ", prefix, localName, "=\"");
     writer_.write(value, valueEscapes());
     writer_.writeAscii("\"");
 }

@@ -40,6 +40,9 @@ public:
     void attribute(RyName ns, RyName prefix, RyName localName, const UnicodeString& value) override;
     void text(const UnicodeString& text) override;
     void text(const char16_t* buffer, int start, int length) override;
+    /// As the same with the text's string.
+    void text(const RyCompactText& text);
+    void attribute(RyName ns, RyName prefix, RyName localName, const RyCompactText& value);
     void cdsect(const UnicodeString& text) override;
     void entityRef(const UnicodeString& name) override;
     void processingInstruction(const UnicodeString& text) override;
@@ -88,8 +91,8 @@ private:
     void beginContent();
     void endContent();
     void writeDeclarations();
-    void writeQName(RyName prefix, RyName localName);
     void writeAttribute(RyName prefix, RyName localName, const UnicodeString& value);
+    void requireTagPending() const;
     void writeMarkup(std::string_view before, const UnicodeString& text, std::string_view after);
     void endElement();
     unsigned textEscapes() const;

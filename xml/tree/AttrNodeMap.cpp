@@ -5,7 +5,6 @@
 
 #include "core/ErrorLocations.h"
 #include "xml/tree/AttrIndex.h"
-#include "xml/tree/NodeLinks.h"
 
 namespace RynCommon {
 
@@ -40,14 +39,6 @@ RyAttr* AttrNodeMap::search(Test matches) const {
     for (RyAttr* attr = first(); attr != nullptr; attr = next(*attr))
         if (matches(*attr)) return attr;
     return nullptr;
-}
-
-RyAttr* AttrNodeMap::first() const {
-    return last_ != nullptr ? static_cast<RyAttr*>(NodeLinks::next(*last_)) : nullptr;
-}
-
-RyAttr* AttrNodeMap::next(const RyAttr& attr) const {
-    return &attr != last_ ? static_cast<RyAttr*>(NodeLinks::next(attr)) : nullptr;
 }
 
 RyNode* AttrNodeMap::item(int index) const {

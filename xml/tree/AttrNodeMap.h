@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "core/SlabMemory.h"
+#include "xml/tree/NodeLinks.h"
 
 namespace RynCommon {
 
@@ -38,8 +39,12 @@ public:
     RyElement* element() const { return element_; }
     void forgetElement() { element_ = nullptr; }
 
-    RyAttr* first() const;
-    RyAttr* next(const RyAttr& attr) const;
+    RyAttr* first() const {
+        return last_ != nullptr ? static_cast<RyAttr*>(NodeLinks::next(*last_)) : nullptr;
+    }
+    RyAttr* next(const RyAttr& attr) const {
+        return &attr != last_ ? static_cast<RyAttr*>(NodeLinks::next(attr)) : nullptr;
+    }
     /// The first attribute of a qualified name, or of a namespace and local name; null when there
     /// is none.
     RyAttr* find(RyName name) const;

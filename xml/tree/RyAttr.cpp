@@ -77,6 +77,7 @@ RyElement* RyAttr::getOwnerElement() const {
 }
 
 RyAttr* RyAttr::getNextAttribute() const {
+    fetchAhead();
     return map_ != nullptr ? map_->next(*this) : nullptr;
 }
 

@@ -143,8 +143,7 @@ private:
                 enterElement(static_cast<const RyElement&>(node));
                 return true;
             case RyNode::TEXT_NODE:
-                static_cast<const RyTextNode&>(node).copyTextTo(text_);
-                sink_.text(view(text_));
+                sink_.text(static_cast<const RyTextNode&>(node).readText(text_));
                 return false;
             default:
                 return false;
@@ -157,8 +156,7 @@ private:
              attr = attr->getNextAttribute()) {
             const RyName ns = attr->getNamespaceUri();
             if (ns == RN_NS_xmlns) continue;
-            attr->copyTextTo(text_);
-            sink_.attr(view(ns), view(attr->getLocalName()), view(text_));
+            sink_.attr(view(ns), view(attr->getLocalName()), attr->readText(text_));
         }
     }
 
@@ -173,7 +171,7 @@ private:
     }
 
     Sink& sink_;
-    UnicodeString text_;  // reused for every text and value
+    RyTextBuffer text_;  // reused for every text and value
 };
 
 struct Tree : xb::TreeAdapter<Tree, RyPtr<RyDocument>> {

@@ -23,6 +23,20 @@ public:
         writer_.drain();
         return out_.str();
     }
+    std::string operator()(const RyCompactText& text, unsigned escapes) {
+        out_.str({});
+        writer_.open(&out_);
+        writer_.write(text, escapes);
+        writer_.drain();
+        return out_.str();
+    }
+    void setShiftJis(bool on) { writer_.setShiftJis(on); }
+    std::string name(RyName prefix, RyName localName) {
+        writer_.writeName("<", prefix, localName, ">");
+        out_.str({});
+        writer_.drain();
+        return out_.str();
+    }
 
 private:
     std::ostringstream out_;
@@ -111,6 +125,66 @@ TEST(CharacterWriterTest, CanEncode) {
     EXPECT_FALSE(writer.canEncode(u"a\u007F")) << "is read as U+001A";
     EXPECT_FALSE(writer.canEncode(u"a\u00E9"));
     EXPECT_FALSE(writer.canEncode(u"\U0001F600"));
+}
+
+// Runs as a tree keeps them come out as the same runs of UTF-16.
+TEST(CharacterWriterTest, CompactTextsAreWrittenLikeStrings) {
+    for (const bool shiftJis : {false, true}) {
+        Written written(shiftJis);
+        for (const unsigned escapes :
+             {CharacterWriter::TEXT_ESCAPES, CharacterWriter::VALUE_ESCAPES}) {
+            const auto check = [&](const UnicodeString& text) {
+                const std::string expected = written(text, escapes);
+                return written(RyCompactText(text), escapes) == expected;
+            };
+            UnicodeString plain;
+            for (int length = 0; length < 42; ++length) {
+                ASSERT_TRUE(check(plain)) << length;
+                for (char16_t unit = 0; unit < 0x100; ++unit) {
+                    for (const int place : {0, length / 2, length - 1}) {
+                        if (length == 0) continue;
+                        UnicodeString text = plain;
+                        text.setCharAt(place, unit);
+                        ASSERT_TRUE(check(text)) << length << " " << place << " " << int{unit};
+                    }
+                }
+                plain.append(static_cast<char16_t>(u'a' + length % 26));
+            }
+            // Whatever stands next to whatever, across the end of the buffer.
+            UnicodeString mixed;
+            for (int i = 0; i < 200000; ++i)
+                mixed.append(static_cast<char16_t>(i % 7 == 0 ? i * 31 & 0xFF : u'x'));
+            ASSERT_TRUE(check(mixed));
+            ASSERT_TRUE(check(UnicodeString(50000, u'"', 50000)));
+            ASSERT_TRUE(check(mixed + u"\u65E5\u2028\u0416"));
+        }
+    }
+}
+
+// More names than are kept, some too long, again and again, and in either encoding.
+TEST(CharacterWriterTest, NamesAreTheSameEachTime) {
+    Written written(false);
+    const RyName prefixes[] = {RyName(), RyName(UnicodeString(u"p")),
+                               RyName(UnicodeString(u"q\u00E9"))};
+    for (int round = 0; round < 3; ++round) {
+        for (int i = 0; i < 600; ++i) {
+            UnicodeString local = UnicodeString(u"name") + UnicodeString(i, u'n', i % 90);
+            local.append(static_cast<char16_t>(0x4E00 + i));
+            const RyName prefix = prefixes[i % 3];
+            std::string expected = "<";
+            prefix.toString().toUTF8String(expected);
+            if (!prefix.isEmpty()) expected += ':';
+            local.toUTF8String(expected);
+            if (round == 0 && i == 0) written(UnicodeString(), ESCAPE_NONE);
+            ASSERT_EQ(written.name(prefix, RyName(local)), expected + ">") << i;
+        }
+    }
+    EXPECT_EQ(written.name(RyName(), RyName()), "<>");
+    EXPECT_EQ(written.name(prefixes[1], RyName()), "<p:>");
+    const RyName day(UnicodeString(u"\u65E5"));
+    EXPECT_EQ(written.name(RyName(), day), "<\u65E5>");
+    written.setShiftJis(true);
+    EXPECT_EQ(written.name(RyName(), day), "<\x93\xFA>");
 }
 
 }  // namespace

@@ -1,0 +1,66 @@
+// The inside of compact texts, for those who read their units where they lie.
+//
+// A block is four bytes of length and width followed by the units, in one allocation. Most texts of
+// documents are Latin-1 and take half the room of UTF-16; many values are so short that they fit
+// into the pointer, which saves the allocation.
+#pragma once
+
+#include <cstdint>
+
+#include <RynCommon/RyString.h>
+
+namespace RynCommon {
+
+struct RyCompactText::Block {
+    std::uint32_t lengthAndWidth;  // the length times two, plus one where units take two bytes
+
+    static Block* make(const char16_t* text, std::int32_t length);
+    static Block* copy(const Block* other);
+    static void free(Block* block);
+
+    std::size_t length() const { return lengthAndWidth >> 1; }
+    bool isWide() const { return (lengthAndWidth & 1) != 0; }
+    std::size_t size() const { return length() << (lengthAndWidth & 1); }
+    std::uint8_t* bytes() { return reinterpret_cast<std::uint8_t*>(this + 1); }
+    const std::uint8_t* bytes() const { return reinterpret_cast<const std::uint8_t*>(this + 1); }
+    const char16_t* units() const { return reinterpret_cast<const char16_t*>(this + 1); }
+    /// Units from `from` on; `to` has room for `count`.
+    void copyUnits(std::size_t from, std::size_t count, char16_t* to) const;
+
+private:
+    static Block* allocate(std::size_t length, bool wide);
+};
+
+/// A view of a text's units in the width in which they are kept. The text must outlive it and stay
+/// unchanged.
+class CompactUnits {
+public:
+    explicit CompactUnits(const RyCompactText& text) {
+        if (!text.hasBlock()) {
+            length_ = text.word_ >> 1 & 7;
+            for (unsigned i = 0; i < sizeof room_; ++i)
+                room_[i] = static_cast<std::uint8_t>(text.word_ >> 8 >> 8 * i);
+            return;
+        }
+        const RyCompactText::Block& block = *text.block();
+        length_ = block.length();
+        isWide_ = block.isWide();
+        data_ = block.bytes();
+    }
+    CompactUnits(const CompactUnits&) = delete;
+    CompactUnits& operator=(const CompactUnits&) = delete;
+
+    std::size_t length() const { return length_; }
+    /// Whether utf16() holds the units, or latin1().
+    bool isWide() const { return isWide_; }
+    const std::uint8_t* latin1() const { return data_; }
+    const char16_t* utf16() const { return reinterpret_cast<const char16_t*>(data_); }
+
+private:
+    std::size_t length_;
+    bool isWide_ = false;
+    std::uint8_t room_[sizeof(std::uintptr_t)];  // of a text without a block
+    const std::uint8_t* data_ = room_;
+};
+
+}  // namespace RynCommon
