@@ -52,8 +52,11 @@ void countFreed(const void* room) {
 
 #if ALLOCATION_SANITIZED
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return isToFail() ? nullptr : counted(std::malloc(size == 0 ? 1 : size));
+}
 void* operator new(std::size_t size) {
-    void* const room = isToFail() ? nullptr : counted(std::malloc(size == 0 ? 1 : size));
+    void* const room = ::operator new(size, std::nothrow);
     if (room == nullptr) throw std::bad_alloc();
     return room;
 }

@@ -82,6 +82,12 @@ public:
         ++cur_;
         return true;
     }
+    /// The same without going on to another window.
+    bool acceptInWindow(char16_t unit) {
+        if (cur_ == end_ || *cur_ != unit) return false;
+        ++cur_;
+        return true;
+    }
     /// The whole character at the reading point, read; END at the end.
     int getCodePoint();
     /// The whole character at the reading point, not read; empty at the end.

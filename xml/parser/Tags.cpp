@@ -38,8 +38,10 @@ void XmlParserImpl::readStartTag() {
     namespaces_.push(name);
     attributes_.clear();
     emptyTag_ = hasQualifiedAttribute_ = false;
-    readPlainAttributes();
-    readAttributes();
+    if (!scanner_.acceptInWindow(u'>')) {
+        readPlainAttributes();
+        readAttributes();
+    }
     if (!defaults_.isEmpty()) applyDefaults(name);
     if (namespaces_.depth() == 1) bindBuiltinVocabulary(name);
     resolveNamespaces();
@@ -235,7 +237,7 @@ void XmlParserImpl::resolveNamespaces() {
     element.ns = ns;
     if (ns.isEmpty() && !prefix.isEmpty()) core_.error(PARSE_UNDECLARED_PREFIX, prefix.toString());
     if (hasQualifiedAttribute_) resolveAttributes();
-    reportDuplicates();
+    if (attributes_.size() > 1) reportDuplicates();
 }
 
 void XmlParserImpl::resolveAttributes() {
