@@ -8,13 +8,10 @@
 
 #include "core/ErrorLocations.h"
 
+#include "tests/Text.h"
+
 namespace RynCommon {
 namespace {
-
-std::string utf8(const UnicodeString& text) {
-    std::string result;
-    return text.toUTF8String(result);
-}
 
 RyError thrownBy(const std::function<void()>& raise) {
     try {
@@ -38,21 +35,17 @@ TEST(RyError, StartsWithoutErrorAndPosition) {
 }
 
 TEST(RyError, CategoryIsTheUpperFiveBits) {
-    const struct {
-        unsigned short code;
-        int category;
-    } rows[] = {{0x0803, RYERROR_SYSTEM}, {0x0C03, RYERROR_SYSTEM}, {0x0FFF, RYERROR_SYSTEM},
-                {0x1003, RYERROR_IO},     {0x1801, RYERROR_XML},    {0x07FF, RYERROR_NONE},
-                {0xFFFF, 0xF800}};
-    for (const auto& row : rows)
-        EXPECT_EQ(RyError(row.code, "", "", -1, -1, "").getErrorCategory(), row.category)
-            << row.code;
+    const std::pair<unsigned short, int> rows[] = {
+        {0x0803, RYERROR_SYSTEM}, {0x0C03, RYERROR_SYSTEM}, {0x0FFF, RYERROR_SYSTEM},
+        {0x1003, RYERROR_IO},     {0x1801, RYERROR_XML},    {0x07FF, RYERROR_NONE},
+        {0xFFFF, 0xF800}};
+    for (const auto& [code, category] : rows)
+        EXPECT_EQ(RyError(code, "", "", -1, -1, "").getErrorCategory(), category) << code;
 }
 
 TEST(RyError, MessageCarriesThePosition) {
     const struct {
-        const char* what;
-        const char* raw;
+        const char *what, *raw;
         int line, column;
         const char* uri;
         const char* position;
@@ -70,38 +63,35 @@ TEST(RyError, MessageCarriesThePosition) {
     };
     for (const auto& row : rows) {
         RyError error(2051, row.raw, "s", row.line, row.column, row.uri);
-        EXPECT_EQ(utf8(error.getPositionDescription()), row.position) << row.what;
-        EXPECT_EQ(utf8(error.getMessage()), row.message) << row.what;
+        EXPECT_EQ(s(error.getPositionDescription()), row.position) << row.what;
+        EXPECT_EQ(s(error.getMessage()), row.message) << row.what;
         error.setMessage(error.getMessage());
-        EXPECT_EQ(utf8(error.getRawMessage()), row.raw) << row.what << ", stored back";
+        EXPECT_EQ(s(error.getRawMessage()), row.raw) << row.what << ", stored back";
     }
 }
 
 TEST(RyError, SetMessageTakesOffOnlyItsOwnPosition) {
     RyError error(2051, "", "", 3, -1, "");
-    const struct {
-        const char* message;
-        const char* raw;
-    } rows[] = {{"m\nLine 4, ", "m\nLine 4, "},
-                {"mLine 3, ", "mLine 3, "},
-                {"\nLine 3, ", ""},
-                {"m\nLine 3, \nLine 3, ", "m\nLine 3, "},
-                {"m\nLine 3, x", "m\nLine 3, x"}};
-    for (const auto& row : rows) {
-        error.setMessage(row.message);
-        EXPECT_EQ(utf8(error.getRawMessage()), row.raw);
+    const std::pair<const char*, const char*> rows[] = {{"m\nLine 4, ", "m\nLine 4, "},
+                                                        {"mLine 3, ", "mLine 3, "},
+                                                        {"\nLine 3, ", ""},
+                                                        {"m\nLine 3, \nLine 3, ", "m\nLine 3, "},
+                                                        {"m\nLine 3, x", "m\nLine 3, x"}};
+    for (const auto& [message, raw] : rows) {
+        error.setMessage(message);
+        EXPECT_EQ(s(error.getRawMessage()), raw);
     }
 }
 
 TEST(RyError, AppendMessageStartsALineOfItsOwn) {
     RyError error;
     error.appendMessage("");
-    EXPECT_EQ(utf8(error.getRawMessage()), "");
+    EXPECT_EQ(s(error.getRawMessage()), "");
     error.appendMessage("a");
-    EXPECT_EQ(utf8(error.getRawMessage()), "a");
+    EXPECT_EQ(s(error.getRawMessage()), "a");
     error.appendMessage("");
     error.appendMessage("b");
-    EXPECT_EQ(utf8(error.getRawMessage()), "a\nb");
+    EXPECT_EQ(s(error.getRawMessage()), "a\nb");
 }
 
 TEST(RyError, OnlyFatalErrorsAreThrown) {
@@ -118,8 +108,8 @@ TEST(RyError, OnlyFatalErrorsAreThrown) {
         } catch (const RyError& caught) {
             thrown = true;
             EXPECT_EQ(caught.getErrorCode(), row.code);
-            EXPECT_EQ(utf8(caught.getMessage()), "m\nLine 1, Col 2, u");
-            EXPECT_EQ(utf8(caught.getSource()), "s");
+            EXPECT_EQ(s(caught.getMessage()), "m\nLine 1, Col 2, u");
+            EXPECT_EQ(s(caught.getSource()), "s");
         }
         EXPECT_EQ(thrown, row.thrown) << row.code;
     }
@@ -128,21 +118,19 @@ TEST(RyError, OnlyFatalErrorsAreThrown) {
 TEST(RyError, ConvertsStandardExceptions) {
     const RyError memory(std::bad_alloc(), "here");
     EXPECT_EQ(memory.getErrorCode(), 2049);
-    EXPECT_EQ(utf8(memory.getMessage()), "Out of memory.");
-    EXPECT_EQ(utf8(memory.getSource()), "here");
+    EXPECT_EQ(s(memory.getMessage()), "Out of memory.");
+    EXPECT_EQ(s(memory.getSource()), "here");
 
     const RyError other(std::runtime_error("caf\xC3\xA9 \xFF!"), "there");
     EXPECT_EQ(other.getErrorCode(), 2050);
-    EXPECT_EQ(utf8(other.getMessage()), "C++ exception: caf\xC3\xA9 \xEF\xBF\xBD!");
-    EXPECT_EQ(utf8(other.getSource()), "there");
+    EXPECT_EQ(s(other.getMessage()), "C++ exception: caf\xC3\xA9 \xEF\xBF\xBD!");
+    EXPECT_EQ(s(other.getSource()), "there");
 }
 
 TEST(ErrorLocations, SystemTexts) {
     const struct {
         unsigned short code;
-        const char* first;
-        const char* second;
-        const char* text;
+        const char *first, *second, *text;
     } rows[] = {
         {2051, "", "", "arg is null."},
         {2051, "newChild", "", "newChild is null."},
@@ -170,8 +158,8 @@ TEST(ErrorLocations, SystemTexts) {
         const RyError error = thrownBy(
             [&] { throwSystemError(row.code, LOCATION_NODE_APPEND_CHILD, row.first, row.second); });
         EXPECT_EQ(error.getErrorCode(), row.code);
-        EXPECT_EQ(utf8(error.getMessage()), std::string("SYSTEM ERROR: ") + row.text);
-        EXPECT_EQ(utf8(error.getSource()), "RynCommon::RyNode::appendChild");
+        EXPECT_EQ(s(error.getMessage()), std::string("SYSTEM ERROR: ") + row.text);
+        EXPECT_EQ(s(error.getSource()), "RynCommon::RyNode::appendChild");
     }
 }
 
@@ -193,16 +181,13 @@ TEST(ErrorLocations, IoTexts) {
         const RyError error =
             thrownBy([&] { throwIoError(row.code, LOCATION_TEMP_FILE, "a%1.xml"); });
         EXPECT_EQ(error.getErrorCode(), row.code);
-        EXPECT_EQ(utf8(error.getMessage()), row.text);
-        EXPECT_EQ(utf8(error.getSource()), "RynCommon::RyTempFile");
+        EXPECT_EQ(s(error.getMessage()), row.text);
+        EXPECT_EQ(s(error.getSource()), "RynCommon::RyTempFile");
     }
 }
 
 TEST(ErrorLocations, Names) {
-    const struct {
-        int location;
-        const char* name;
-    } rows[] = {
+    const std::pair<int, const char*> rows[] = {
         {LOCATION_DOCUMENT_LOAD_NEXT_NODE, "RynCommon::RyDocument::loadNextNode"},
         {LOCATION_DOCUMENT_DO_SAVE, "RynCommon::RyDocument::doSave"},
         {LOCATION_ATTRMAP_SET_NAMED_ITEM, "RynCommon::AttrNodeMap::setNamedItem"},
@@ -234,9 +219,9 @@ TEST(ErrorLocations, Names) {
         {LOCATION_TEMP_FILE, "RynCommon::RyTempFile"},
     };
     int index = 0;
-    for (const auto& row : rows) {
-        EXPECT_EQ(row.location, index++);
-        EXPECT_EQ(utf8(getErrorLocationName(row.location)), row.name);
+    for (const auto& [location, name] : rows) {
+        EXPECT_EQ(location, index++);
+        EXPECT_EQ(s(getErrorLocationName(location)), name);
     }
     for (const int outside : {-1, 28, 1000000, -2147483647})
         EXPECT_TRUE(getErrorLocationName(outside).isEmpty()) << outside;
@@ -244,9 +229,7 @@ TEST(ErrorLocations, Names) {
 
 TEST(RyMessage, FillsThePattern) {
     const struct {
-        const char* what;
-        const char* pattern;
-        const char* expected;
+        const char *what, *pattern, *expected;
     } rows[] = {
         {"all four", "{3}{2}{1}{0}", "dcba"},
         {"twice and not at all", "{0}-{0}", "a-a"},
@@ -256,11 +239,11 @@ TEST(RyMessage, FillsThePattern) {
     };
     for (const auto& row : rows) {
         const RyMessage message(row.pattern, "a", "b", "c", "d");
-        EXPECT_EQ(utf8(message.toString()), row.expected) << row.what;
-        EXPECT_EQ(utf8(RyMessage(message)), row.expected) << row.what << ", copied";
+        EXPECT_EQ(s(message.toString()), row.expected) << row.what;
+        EXPECT_EQ(s(RyMessage(message)), row.expected) << row.what << ", copied";
     }
     EXPECT_NO_THROW(RyMessage("{0", "a"));
-    EXPECT_EQ(utf8(RyMessage("{0}|{1}", "{1}")), "{1}|");
+    EXPECT_EQ(s(RyMessage("{0}|{1}", "{1}")), "{1}|");
 }
 
 }  // namespace

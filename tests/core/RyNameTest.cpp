@@ -10,19 +10,14 @@
 #include <vector>
 
 #include "core/NameTable.h"
+#include "tests/Text.h"
 
 namespace RynCommon {
 namespace {
 
-std::string utf8(const UnicodeString& text) {
-    std::string result;
-    return text.toUTF8String(result);
-}
-
 struct ListedName {
     int number;
-    std::string identifier;
-    std::string text;
+    std::string identifier, text;
 };
 
 std::vector<ListedName> readList() {
@@ -49,7 +44,7 @@ TEST(BuiltinNames, AgreeWithTheListInBothDirections) {
         EXPECT_TRUE(texts.insert(name.text).second) << name.text << " is there twice";
         const RyNameEnum number = static_cast<RyNameEnum>(name.number);
         const UnicodeString text = UnicodeString::fromUTF8(name.text);
-        EXPECT_EQ(utf8(RyNameTable::getBuiltinNameString(number)), name.text);
+        EXPECT_EQ(s(RyNameTable::getBuiltinNameString(number)), name.text);
         EXPECT_EQ(RyNameTable::getBuiltinNameEnum(text), number) << name.text;
         EXPECT_EQ(findBuiltinName(text.getBuffer(), text.length()), number) << name.text;
         // The buffer of a built-in string ends in a NUL, which C interfaces may rely on.
@@ -77,28 +72,25 @@ TEST(BuiltinNames, ConstantsHaveTheNumbersOfTheirRows) {
 
 // Numbers that callers have compiled in, picked over the whole range.
 TEST(BuiltinNames, FixedNumbers) {
-    const struct {
-        int number;
-        const char* text;
-    } rows[] = {{1, "ANSI_X3.4"},
-                {4, "ASCII"},
-                {40, "Courier New"},
-                {83, "ISO_646.IRV:1991"},
-                {138, "SHIFT-JIS"},
-                {173, "UTF-8"},
-                {180, "#CMYK"},
-                {188, "#text"},
-                {216, "alternate stylesheet"},
-                {304, "block-container"},
-                {737, "http://www.w3.org/1999/XSL/Format"},
-                {738, "http://www.w3.org/1999/XSL/Transform"},
-                {739, "http://www.w3.org/2000/xmlns/"},
-                {740, "http://www.w3.org/XML/1998/namespace"},
-                {1583, "yes"},
-                {1590, "zh-TW"},
-                {1597, "zoom"}};
-    for (const auto& row : rows)
-        EXPECT_EQ(RyNameTable::getBuiltinNameEnum(row.text), row.number) << row.text;
+    const std::pair<int, const char*> rows[] = {{1, "ANSI_X3.4"},
+                                                {4, "ASCII"},
+                                                {40, "Courier New"},
+                                                {83, "ISO_646.IRV:1991"},
+                                                {138, "SHIFT-JIS"},
+                                                {173, "UTF-8"},
+                                                {180, "#CMYK"},
+                                                {188, "#text"},
+                                                {216, "alternate stylesheet"},
+                                                {304, "block-container"},
+                                                {737, "http://www.w3.org/1999/XSL/Format"},
+                                                {738, "http://www.w3.org/1999/XSL/Transform"},
+                                                {739, "http://www.w3.org/2000/xmlns/"},
+                                                {740, "http://www.w3.org/XML/1998/namespace"},
+                                                {1583, "yes"},
+                                                {1590, "zh-TW"},
+                                                {1597, "zoom"}};
+    for (const auto& [number, text] : rows)
+        EXPECT_EQ(RyNameTable::getBuiltinNameEnum(text), number) << text;
 }
 
 TEST(BuiltinNames, OtherTextsAndNumbersAreNotBuiltIn) {
@@ -129,7 +121,7 @@ TEST(RyName, NumbersAndTexts) {
                 {RyName(2147483647), 2147483647, "", false, false}};
     for (const auto& row : rows) {
         EXPECT_EQ(RyNameEnum(row.name), row.number);
-        EXPECT_EQ(utf8(row.name.toString()), row.text);
+        EXPECT_EQ(s(row.name.toString()), row.text);
         EXPECT_EQ(row.name.isEmpty(), row.empty) << row.number;
         EXPECT_EQ(row.name.isBuiltin(), row.builtin) << row.number;
     }

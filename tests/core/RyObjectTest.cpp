@@ -65,11 +65,9 @@ TEST(RyRCObject, CopiesStartAtZero) {
 
 TEST(RyRCObject, KnowsItsBases) {
     const Counted object;
-    const struct {
-        unsigned int id;
-        bool isA;
-    } rows[] = {{1, true}, {0x90AF0240, true}, {0xA4EBD8C4, true}, {0x31FB5B85, false}, {0, false}};
-    for (const auto& row : rows) EXPECT_EQ(object.isA(row.id), row.isA) << row.id;
+    const std::pair<unsigned int, bool> rows[] = {
+        {1, true}, {0x90AF0240, true}, {0xA4EBD8C4, true}, {0x31FB5B85, false}, {0, false}};
+    for (const auto& [id, isA] : rows) EXPECT_EQ(object.isA(id), isA) << id;
     EXPECT_EQ(RyRCObject::getStaticTypeID(), 0x90AF0240u);
     EXPECT_EQ(RyObjectBase::getStaticTypeID(), 0xA4EBD8C4u);
 }

@@ -175,8 +175,7 @@ const std::vector<Document>& documents() {
 }
 
 struct Start {
-    const char* name;
-    const char* text;
+    const char *name, *text;
 };
 
 /// Each is followed by eight megabytes that do not end it.

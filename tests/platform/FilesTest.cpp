@@ -11,18 +11,14 @@
 #include <memory>
 #include <string>
 
+#include "tests/Scratch.h"
+
 namespace RynCommon::platform {
 namespace {
 
 class FilesTest : public testing::Test {
 protected:
-    FilesTest() {
-        std::string pattern = testing::TempDir() + "ryn-files-XXXXXX";
-        directory_ = mkdtemp(pattern.data());
-    }
-    ~FilesTest() override { std::filesystem::remove_all(directory_); }
-
-    std::string path(const std::string& name) const { return directory_ + "/" + name; }
+    std::string path(const std::string& name) const { return folder_.path(name); }
 
     static void write(const std::string& path, const std::string& content) {
         std::error_code error;
@@ -31,7 +27,8 @@ protected:
         *out << content;
     }
 
-    std::string directory_;
+    const ScratchFolder folder_;
+    const std::string& directory_ = folder_.path();
 };
 
 std::string makePattern(std::size_t size) {

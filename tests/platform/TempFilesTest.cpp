@@ -13,6 +13,8 @@
 
 #include "platform/MemoryPages.h"
 
+#include "tests/Scratch.h"
+
 namespace RynCommon::platform {
 namespace {
 
@@ -20,53 +22,19 @@ namespace fs = std::filesystem;
 
 class TempFilesTest : public testing::Test {
 protected:
-    TempFilesTest() {
-        std::string pattern = testing::TempDir() + "ryn-temp-XXXXXX";
-        directory_ = mkdtemp(pattern.data());
-    }
-    ~TempFilesTest() override { fs::remove_all(directory_); }
+    std::string path(const std::string& name) const { return folder_.path(name); }
 
-    std::string path(const std::string& name) const { return directory_ + "/" + name; }
-
-    std::string directory_;
-};
-
-/// Sets a variable of the environment for a while.
-class Environment {
-public:
-    Environment(const char* name, const char* value) : name_(name) {
-        const char* const before = std::getenv(name);
-        had_ = before != nullptr;
-        before_ = had_ ? before : "";
-        set(value);
-    }
-    ~Environment() { set(had_ ? before_.c_str() : nullptr); }
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
-
-private:
-    void set(const char* value) {
-        if (value != nullptr)
-            setenv(name_, value, 1);
-        else
-            unsetenv(name_);
-    }
-
-    const char* name_;
-    std::string before_;
-    bool had_ = false;
+    const ScratchFolder folder_;
+    const std::string& directory_ = folder_.path();
 };
 
 TEST_F(TempFilesTest, DirectoryComesFromTheEnvironment) {
-    const struct {
-        const char* variable;
-        std::string expected;
-    } rows[] = {
-        {nullptr, "/tmp/"}, {"", "/tmp/"}, {"/var/tmp", "/var/tmp/"}, {"/x/", "/x/"}, {"/", "/"},
+    const std::pair<std::optional<std::string>, std::string> rows[] = {
+        {{}, "/tmp/"}, {"", "/tmp/"}, {"/var/tmp", "/var/tmp/"}, {"/x/", "/x/"}, {"/", "/"},
     };
-    for (const auto& row : rows) {
-        const Environment environment("TMPDIR", row.variable);
-        EXPECT_EQ(getTempDirectory(), row.expected);
+    for (const auto& [variable, expected] : rows) {
+        const ScopedVariable environment("TMPDIR", variable);
+        EXPECT_EQ(getTempDirectory(), expected);
     }
 }
 

@@ -17,9 +17,7 @@ std::string toBase64(const std::string& bytes) {
 
 TEST(DataUriTest, DecodesWhatStandsBehindTheComma) {
     const struct {
-        const char* uri;
-        const char* content;
-        const char* contentType;
+        const char *uri, *content, *contentType;
     } rows[] = {
         {"data:,", "", ""},
         {"data:,a%20b", "a b", ""},

@@ -11,8 +11,7 @@ namespace {
 
 TEST(EscapesTest, HostsTakeTheirAsciiForm) {
     const struct {
-        const char* uri;
-        const char* url;
+        const char *uri, *url;
     } rows[] = {
         {"http://h.example:80/a", "http://h.example:80/a"},
         {"http://b\u00FCcher.example", "http://xn--bcher-kva.example"},
@@ -28,9 +27,8 @@ TEST(EscapesTest, HostsTakeTheirAsciiForm) {
         {"http://u@\u00FC@b\u00FCcher.example/", "http://u@%C3%BC@xn--bcher-kva.example/"},
         {"http:///\u00FC", "http:///%C3%BC"},
     };
-    for (const auto& row : rows) {
+    for (const auto& row : rows)
         EXPECT_EQ(uri::toRequestUrl(uri::viewOf(u(row.uri))), row.url) << row.uri;
-    }
 }
 
 }  // namespace

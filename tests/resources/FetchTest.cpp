@@ -24,10 +24,7 @@ protected:
 
 TEST_F(FetchTest, OpensFilesUnderTheirEscapedNames) {
     for (const char* const name : {"a b", "\xC3\xA9\xE6\x97\xA5", "50%", "c#d"}) write(name);
-    const struct {
-        const char* text;
-        const char* content;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"/a%20b", "a b"},
         {"/a b", "a b"},
         {"/%61 b", "a b"},
@@ -41,11 +38,11 @@ TEST_F(FetchTest, OpensFilesUnderTheirEscapedNames) {
         {"/", "(none)"},
         {"", "(none)"},
     };
-    for (const auto& row : rows) {
-        const Fetched fetched = fetch(uri(row.text));
-        EXPECT_EQ(fetched.content, row.content) << row.text;
-        EXPECT_EQ(fetched.error.empty(), std::string(row.content) != "(none)") << row.text;
-        EXPECT_EQ(uri(row.text).isFileExists(), fetched.error.empty()) << row.text;
+    for (const auto& [text, content] : rows) {
+        const Fetched fetched = fetch(uri(text));
+        EXPECT_EQ(fetched.content, content) << text;
+        EXPECT_EQ(fetched.error.empty(), std::string(content) != "(none)") << text;
+        EXPECT_EQ(uri(text).isFileExists(), fetched.error.empty()) << text;
     }
     EXPECT_EQ(fetch(RyUri(u("file://localhost" + directory_ + "/a%20b"))).content, "a b");
     EXPECT_EQ(fetch(RyUri(u("file:" + directory_ + "/a%20b"))).content, "a b");
@@ -54,10 +51,7 @@ TEST_F(FetchTest, OpensFilesUnderTheirEscapedNames) {
 }
 
 TEST_F(FetchTest, SaysWhyNothingOpens) {
-    const struct {
-        std::string text;
-        std::string error;
-    } rows[] = {
+    const std::pair<std::string, std::string> rows[] = {
         {"file://" + directory_, "Cannot open file: " + directory_ + ": Is a directory"},
         {"/no/such", "Cannot open file: /no/such: No such file or directory"},
         {"/dev/zero", "Cannot open file: /dev/zero: Operation not supported"},
@@ -66,11 +60,11 @@ TEST_F(FetchTest, SaysWhyNothingOpens) {
         {"", "Cannot open file: : No such file or directory"},
         {"GOPHER://h/a", "Cannot open URI of scheme: gopher"},
     };
-    for (const auto& row : rows) {
-        const Fetched fetched = fetch(row.text);
-        EXPECT_EQ(fetched.content, "(none)") << row.text;
-        EXPECT_EQ(fetched.error, row.error) << row.text;
-        EXPECT_EQ(fetched.contentType, "") << row.text;
+    for (const auto& [text, error] : rows) {
+        const Fetched fetched = fetch(text);
+        EXPECT_EQ(fetched.content, "(none)") << text;
+        EXPECT_EQ(fetched.error, error) << text;
+        EXPECT_EQ(fetched.contentType, "") << text;
     }
 }
 

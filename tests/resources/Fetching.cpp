@@ -1,28 +1,12 @@
 // Helpers of the tests of opened URIs.
 #include "tests/resources/Fetching.h"
 
-#include <unistd.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <random>
-
-#include <gtest/gtest.h>
 
 #include "tests/streams/DeflateData.h"
 
 namespace RynCommon {
-
-UnicodeString u(const std::string& text) {
-    return UnicodeString::fromUTF8(text);
-}
-
-std::string s(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
 
 std::string drain(std::istream& in, std::size_t step) {
     return readInSteps(in, step);
@@ -37,37 +21,6 @@ Fetched fetch(const RyUri& uri) {
 
 Fetched fetch(const std::string& uri) {
     return fetch(RyUri(u(uri)));
-}
-
-ScratchFolder::ScratchFolder() {
-    std::string pattern = testing::TempDir() + "ryn-fetch-XXXXXX";
-    folder_ = mkdtemp(pattern.data());
-}
-
-ScratchFolder::~ScratchFolder() {
-    std::filesystem::remove_all(folder_);
-}
-
-std::string ScratchFolder::write(const std::string& name, const std::string& content) const {
-    std::ofstream(path(name), std::ios::binary) << content;
-    return "file://" + path(name);
-}
-
-ScopedVariable::ScopedVariable(const char* name, std::optional<std::string> value) : name_(name) {
-    if (const char* const previous = std::getenv(name)) previous_ = previous;
-    set(value);
-}
-
-ScopedVariable::~ScopedVariable() {
-    set(previous_);
-}
-
-void ScopedVariable::set(const std::optional<std::string>& value) const {
-    if (value) {
-        setenv(name_, value->c_str(), 1);
-    } else {
-        unsetenv(name_);
-    }
 }
 
 std::string makeNoise(std::size_t size, unsigned seed) {

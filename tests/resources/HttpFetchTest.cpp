@@ -154,10 +154,7 @@ TEST_F(HttpFetchTest, SaysWhyNothingOpens) {
 }
 
 TEST_F(HttpFetchTest, SendsTheRequestThatItShould) {
-    const struct {
-        const char* path;
-        const char* sent;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"/echo/a b", "/echo/a%20b"},
         {"/echo/\xC3\xA9\xF0\x9F\x98\x80", "/echo/%C3%A9%F0%9F%98%80"},
         {"/echo/%C3%A9%2f%41", "/echo/%C3%A9%2f%41"},
@@ -167,9 +164,9 @@ TEST_F(HttpFetchTest, SendsTheRequestThatItShould) {
         {"/echo/[x]/~;,@:!$&'()*+=", "/echo/[x]/~;,@:!$&'()*+="},
         {"/echo/\t\x7F", "/echo/%09%7F"},
     };
-    for (const auto& row : rows) {
-        const std::string head = fetch(url(row.path)).content;
-        EXPECT_EQ(head.substr(0, head.find('\n')), row.sent) << row.path;
+    for (const auto& [path, sent] : rows) {
+        const std::string head = fetch(url(path)).content;
+        EXPECT_EQ(head.substr(0, head.find('\n')), sent) << path;
     }
     const std::string head = fetch(url("/echo")).content;
     for (const char* const line : {"\nAccept: */*\n", "\nCache-Control: no-cache\n",

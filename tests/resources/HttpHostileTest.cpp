@@ -25,8 +25,7 @@ TEST_F(HttpHostileTest, BrokenAnswers) {
         const char* what;
         std::string answer;
         bool resets;
-        std::string content;
-        std::string error;
+        std::string content, error;
     } rows[] = {
         {"short body", "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\n0123456789", false,
          "0123456789", ""},
@@ -75,8 +74,7 @@ TEST_F(HttpHostileTest, BrokenAnswers) {
 
 TEST_F(HttpHostileTest, TheTypeIsThatOfTheFinalAnswer) {
     const struct {
-        const char* header;
-        const char* contentType;
+        const char *header, *contentType;
     } rows[] = {
         {"", ""},
         {"Content-Type: text/xml ; charset=utf-8\r\n", "text/xml"},
@@ -102,8 +100,7 @@ TEST_F(HttpHostileTest, FloodsAreCutOff) {
     const std::string line = "X-Filler: " + std::string(1000, 'x') + "\r\n";
     const struct {
         const char* what;
-        std::string start;
-        std::string again;
+        std::string start, again;
         const char* error;
     } rows[] = {
         {"headers", "HTTP/1.1 200 OK\r\n", line, "Cannot open URL: 0017"},

@@ -84,8 +84,7 @@ TEST(HttpTlsTest, OnlyTrustedCertificatesOpen) {
     using Path = std::optional<std::string>;
     const struct {
         const char* what;
-        Path bundle;
-        Path file;
+        Path bundle, file;
         std::string uri;
         const char* error;
     } rows[] = {

@@ -59,10 +59,7 @@ TEST(JarTest, OpensMembersOfFiles) {
                                          {.name = "x!y", .data = "mark"},
                                          {.name = "c#d?e", .data = "signs"},
                                          {.name = "empty", .data = ""}}));
-    const struct {
-        std::string uri;
-        std::string content;
-    } rows[] = {
+    const std::pair<std::string, std::string> rows[] = {
         {"jar:" + archive + "!/stored", "kept"},
         {"JAR:" + archive + "!/stored", "kept"},
         {"jar:" + folder.path("a b.zip") + "!/stored", "kept"},
@@ -77,11 +74,11 @@ TEST(JarTest, OpensMembersOfFiles) {
         {"jar:" + archive + "!/empty", ""},
         {"jar:jar:" + archive + "!/inner.zip!/c", "innermost"},
     };
-    for (const auto& row : rows) {
-        const Fetched fetched = fetch(row.uri);
-        EXPECT_TRUE(fetched.content == row.content) << row.uri << " " << fetched.error;
-        EXPECT_EQ(fetched.error, "") << row.uri;
-        EXPECT_EQ(fetched.contentType, "") << row.uri;
+    for (const auto& [uri, content] : rows) {
+        const Fetched fetched = fetch(uri);
+        EXPECT_TRUE(fetched.content == content) << uri << " " << fetched.error;
+        EXPECT_EQ(fetched.error, "") << uri;
+        EXPECT_EQ(fetched.contentType, "") << uri;
     }
     const RyUri base(u("jar:" + archive + "!/dir/x"));
     EXPECT_EQ(fetch(RyUri(base, u("../stored"))).content, "kept");
@@ -93,18 +90,15 @@ TEST(JarTest, OpensArchivesOfEveryShape) {
     ZipMember piped = member;
     piped.descriptor = true;
     const std::string whole = makeZip({member, {.name = "n", .data = NOISE}});
-    const struct {
-        const char* what;
-        std::string archive;
-    } rows[] = {
+    const std::pair<const char*, std::string> rows[] = {
         {"written to a pipe", makeZip({piped})},
         {"without directory", makeZip({member}, {.directory = false})},
         {"cut off", whole.substr(0, whole.size() - 1000)},
         {"bytes behind", makeZip({member}, {.trailer = "more"})},
     };
-    for (const auto& row : rows) {
-        const std::string uri = folder.write("a.zip", row.archive);
-        EXPECT_TRUE(fetch("jar:" + uri + "!/m").content == NOISE) << row.what;
+    for (const auto& [what, archive] : rows) {
+        const std::string uri = folder.write("a.zip", archive);
+        EXPECT_TRUE(fetch("jar:" + uri + "!/m").content == NOISE) << what;
     }
 }
 
@@ -113,10 +107,7 @@ TEST(JarTest, SaysWhyNothingOpens) {
     const std::string archive = folder.write(
         "a.zip", makeZip({{.name = "m", .data = "x"}, {.name = "text", .data = "no zip"}}));
     const std::string text = folder.write("a.txt", "PK, but no archive");
-    const struct {
-        std::string uri;
-        std::string error;
-    } rows[] = {
+    const std::pair<std::string, std::string> rows[] = {
         {"jar:" + archive, "Malformed jar URI: no \"!/\": jar:" + archive},
         {"jar:", "Malformed jar URI: no \"!/\": jar:"},
         {"jar:" + archive + "!/no", "No such member of archive " + archive + ": no"},
@@ -135,10 +126,10 @@ TEST(JarTest, SaysWhyNothingOpens) {
                                           ": No such file or directory"},
         {"jar:data:,x!/m", "Cannot open archive: data:,x: not a zip file"},
     };
-    for (const auto& row : rows) {
-        const Fetched fetched = fetch(row.uri);
-        EXPECT_EQ(fetched.content, "(none)") << row.uri;
-        EXPECT_EQ(fetched.error, row.error) << row.uri;
+    for (const auto& [uri, error] : rows) {
+        const Fetched fetched = fetch(uri);
+        EXPECT_EQ(fetched.content, "(none)") << uri;
+        EXPECT_EQ(fetched.error, error) << uri;
     }
 }
 
@@ -149,9 +140,8 @@ TEST(JarTest, NestsSixteenDeep) {
     EXPECT_EQ(fetch(nestedUri(sixteen, 16)).content, "innermost");
     const std::string refused = "Cannot open archive: nested too deep";
     EXPECT_EQ(fetch(nestedUri(seventeen, 17)).error, refused);
-    for (const int levels : {10'000, 1'000'000}) {
+    for (const int levels : {10'000, 1'000'000})
         EXPECT_EQ(fetch(nestedUri(seventeen, levels)).error, refused);
-    }
     std::string marks = "jar:/no/such";
     for (int i = 0; i < 1'000'000; ++i) marks += "!/";
     EXPECT_EQ(fetch(marks).content, "(none)");
@@ -202,8 +192,7 @@ TEST(JarTest, LimitsAreTheDefaultsOfArchives) {
     const struct {
         const char* what;
         RyZipLimits limits;
-        std::string content;
-        std::string error;
+        std::string content, error;
     } rows[] = {
         {"copies reached", {.copiedBytes = outer.size()}, "innermost", ""},
         {"copies exceeded",

@@ -1,11 +1,7 @@
 // Compound files: header, tables and directory of sound files, finding entries, opening again.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-
+#include "tests/Scratch.h"
 #include "tests/resources/OleFixture.h"
 
 namespace RynCommon {
@@ -22,18 +18,14 @@ const std::string NONE = "(none)";
 
 TEST(OleCompFile, ReadsEveryLayout) {
     struct Row {
-        unsigned shift;
-        unsigned miniShift;
+        unsigned shift, miniShift;
     };
     for (const Row& row : {Row{9, 6}, Row{12, 6}, Row{7, 7}, Row{8, 0}, Row{20, 6}}) {
         for (const int bits : {0, 1, 2, 3}) {
-            OleWriter::Options options;
-            options.shift = row.shift;
-            options.miniShift = row.miniShift;
-            options.bigEndian = (bits & 1) != 0;
-            options.scattered = (bits & 2) != 0;
-            SCOPED_TRACE(testing::Message() << row.shift << "/" << row.miniShift << " " << bits);
-            OleWriter writer(options);
+            OleWriter writer({.shift = row.shift,
+                              .miniShift = row.miniShift,
+                              .bigEndian = (bits & 1) != 0,
+                              .scattered = (bits & 2) != 0});
             std::vector<std::pair<std::string, std::string>> streams;
             const int storage = writer.addStorage(0, u"Storage");
             for (const std::size_t size :
@@ -44,10 +36,8 @@ TEST(OleCompFile, ReadsEveryLayout) {
                                  std::u16string(name.begin(), name.end()), streams.back().second);
             }
             const OleImage image = writer.write();
-            MemoryIo io(image.bytes());
-            OleCompFile file;
-            ASSERT_TRUE(file.OLEopen(&io));
-            EXPECT_EQ(file.isLittleEndian(), !options.bigEndian);
+            test::OpenFile file(image.bytes());
+            EXPECT_EQ(file.isLittleEndian(), (bits & 1) == 0);
             EXPECT_EQ(file.getBytesPerBlock(), 1U << row.shift);
             EXPECT_EQ(file.getBytesPerMini(), 1U << row.miniShift);
             EXPECT_EQ(file.getMinisPerBlock(), 1U << (row.shift - row.miniShift));
@@ -72,9 +62,7 @@ TEST(OleCompFile, TellsWhatTheHeaderAndTheEntriesSay) {
     const int stream =
         writer.addStream(storage, u"\u0005Str\0eam" + std::u16string(1, u'\0'), makeContent(70));
     const OleImage image = writer.write();
-    MemoryIo io(image.bytes());
-    OleCompFile file;
-    ASSERT_TRUE(file.OLEopen(&io));
+    test::OpenFile file(image.bytes());
     EXPECT_EQ(file.getVersion(), "03 00");
     EXPECT_EQ(file.getMiniFatCutoff(), 4096);
     EXPECT_EQ(file.getFatBlockCount(), 1);
@@ -112,8 +100,7 @@ TEST(OleCompFile, ChecksTheHeader) {
     const OleImage image = writer.write();
     const struct {
         const char* what;
-        std::size_t offset;
-        std::size_t size;
+        std::size_t offset, size;
         std::int64_t value;
         bool opens;
     } rows[] = {
@@ -162,16 +149,12 @@ TEST(OleCompFile, ChecksTheHeader) {
 }
 
 TEST(OleCompFile, AnyOtherByteOrderMarkIsBigEndian) {
-    OleWriter::Options options;
-    options.bigEndian = true;
-    OleWriter writer(options);
+    OleWriter writer({.bigEndian = true});
     writer.addStream(0, u"s", "content");
     OleImage image = writer.write();
     for (const char* const mark : {"\xFF\xFE", "\x12\x34"}) {
         image.sink.bytes.replace(28, 2, mark, 2);
-        MemoryIo io(image.bytes());
-        OleCompFile file;
-        ASSERT_TRUE(file.OLEopen(&io));
+        test::OpenFile file(image.bytes());
         EXPECT_EQ(file.getVersion(), "00 03");
         EXPECT_EQ(readStream(file, Path{"s"}), "content");
     }
@@ -179,16 +162,12 @@ TEST(OleCompFile, AnyOtherByteOrderMarkIsBigEndian) {
 
 TEST(OleCompFile, FollowsTheListOfFatSectors) {
     for (const std::size_t count : {109U, 110U, 109U + 127U, 110U + 127U}) {
-        OleWriter::Options options;
-        options.leastFatSectors = count;
-        OleWriter writer(options);
+        OleWriter writer({.leastFatSectors = count});
         const std::string content = makeContent(6'900'000);
         writer.addStream(0, u"s", content);
         const OleImage image = writer.write();
         ASSERT_EQ(image.fat.size(), count);
-        MemoryIo io(image.bytes());
-        OleCompFile file;
-        ASSERT_TRUE(file.OLEopen(&io)) << count;
+        test::OpenFile file(image.bytes());
         EXPECT_EQ(file.getIndirectFatBlockCount(), static_cast<int>((count + 17) / 127));
         EXPECT_EQ(readStream(file, Path{"s"}), content);
         if (count == 109) continue;
@@ -205,9 +184,8 @@ TEST(OleCompFile, FollowsTheListOfFatSectors) {
 
 TEST(OleCompFile, SearchesEntryThenLeftThenRight) {
     OleWriter writer;
-    for (const char16_t* name : {u"a", u"b", u"c", u"d", u"e", u"f", u"g"}) {
+    for (const char16_t* name : {u"a", u"b", u"c", u"d", u"e", u"f", u"g"})
         writer.addStream(0, name, "x");
-    }
     // The balanced tree: 4 (2 (1, 3), 6 (5, 7)). Names are then given without any order.
     OleImage image = writer.write();
     const auto rename = [&](int id, char name) {
@@ -216,9 +194,7 @@ TEST(OleCompFile, SearchesEntryThenLeftThenRight) {
     for (const int id : {7, 5, 3}) rename(id, 'z');
     rename(1, 'y');
     rename(6, 'y');
-    MemoryIo io(image.bytes());
-    OleCompFile file;
-    ASSERT_TRUE(file.OLEopen(&io));
+    test::OpenFile file(image.bytes());
     const struct {
         int start;
         const char* name;
@@ -227,10 +203,9 @@ TEST(OleCompFile, SearchesEntryThenLeftThenRight) {
         {4, "d", 4}, {4, "z", 3},  {6, "z", 5},  {4, "y", 1}, {6, "y", 6},
         {2, "z", 3}, {4, "q", -1}, {6, "b", -1}, {4, "", -1}, {1, "y", 1},
     };
-    for (const auto& row : rows) {
+    for (const auto& row : rows)
         EXPECT_EQ(file.findDirEntryByName(file.getDirInfo(row.start), row.name), row.found)
             << row.start << row.name;
-    }
     EXPECT_EQ(file.findDirEntryByName(nullptr, "d"), -1);
     EXPECT_EQ(file.findDirEntryByName(file.getDirInfo(4), nullptr), -1);
     const OleDirInfo copy = *file.getDirInfo(6);
@@ -276,17 +251,13 @@ TEST(OleCompFile, FindsTheSameInLargeDirectories) {
 TEST(OleCompFile, DegenerateTreesNeedNoStack) {
     for (const auto siblings :
          {OleWriter::Siblings::RIGHT_CHAIN, OleWriter::Siblings::LEFT_CHAIN}) {
-        OleWriter::Options options;
-        options.siblings = siblings;
-        OleWriter writer(options);
+        OleWriter writer({.siblings = siblings});
         for (int i = 0; i < 200'000; ++i) {
             std::u16string name;
             for (const char digit : std::to_string(i)) name += static_cast<char16_t>(digit);
             writer.addStream(0, name, i == 199'999 ? "last" : "");
         }
-        MemoryIo io(writer.write().bytes());
-        OleCompFile file;
-        ASSERT_TRUE(file.OLEopen(&io));
+        test::OpenFile file(writer.write().bytes());
         EXPECT_EQ(readStream(file, Path{"199999"}), "last");
         const OleDirInfo copy = *file.getDirInfo(1);
         EXPECT_EQ(file.findDirEntryByName(&copy, "199999"), 200'000);
@@ -300,9 +271,7 @@ TEST(OleCompFile, DegenerateTreesNeedNoStack) {
 TEST(OleCompFile, ReportsMissingNamesOnStandardError) {
     OleWriter writer;
     writer.addStream(0, u"s", "x");
-    MemoryIo io(writer.write().bytes());
-    OleCompFile file;
-    ASSERT_TRUE(file.OLEopen(&io));
+    test::OpenFile file(writer.write().bytes());
     const auto report = [](const std::string& name) {
         return "\nError - OleStream::getDirIndex - Unable to find directory '" + name + "'\n";
     };
@@ -347,16 +316,11 @@ TEST(OleCompFile, OpensTheObjectBesideThePresentation) {
         {"no child", {}, NONE},
     };
     for (const auto& row : rows) {
-        OleWriter::Options options;
-        options.siblings = OleWriter::Siblings::RIGHT_CHAIN;
-        OleWriter writer(options);
+        OleWriter writer({.siblings = OleWriter::Siblings::RIGHT_CHAIN});
         const int storage = writer.addStorage(0, u"object");
-        for (std::size_t i = 0; i < row.siblings.size(); ++i) {
+        for (std::size_t i = 0; i < row.siblings.size(); ++i)
             writer.addStream(storage, row.siblings[i], std::to_string(i));
-        }
-        MemoryIo io(writer.write().bytes());
-        OleCompFile file;
-        ASSERT_TRUE(file.OLEopen(&io));
+        test::OpenFile file(writer.write().bytes());
         OleStream* const stream = file.OLEopenObject(Path{"object"});
         EXPECT_EQ(stream == nullptr ? NONE : test::readAll(*stream), row.content) << row.what;
         file.OLEcloseStream(stream);
@@ -367,12 +331,11 @@ TEST(OleCompFile, OpensTheObjectBesideThePresentation) {
 }
 
 TEST(OleCompFile, OpeningAgainReleasesTheFirst) {
-    std::string pattern = testing::TempDir() + "ryn-ole-XXXXXX";
-    const std::string directory = mkdtemp(pattern.data());
-    const std::string path = directory + "/file";
+    const ScratchFolder folder;
+    const std::string path = folder.path("file");
     OleWriter writer;
     writer.addStream(0, u"first", makeContent(9000));
-    std::ofstream(path, std::ios::binary) << writer.write().bytes();
+    folder.write("file", writer.write().bytes());
     OleWriter second;
     second.addStream(0, u"second", "2");
     MemoryIo io(second.write().bytes());
@@ -400,9 +363,8 @@ TEST(OleCompFile, OpeningAgainReleasesTheFirst) {
         char byte = 0;
         EXPECT_EQ(file.ReadIO(&byte, 1), 0U);
     }
-    EXPECT_FALSE(file.OLEopen(directory.c_str()));
+    EXPECT_FALSE(file.OLEopen(folder.path().c_str()));
     EXPECT_FALSE(file.OLEopen((path + "x").c_str()));
-    std::filesystem::remove_all(directory);
 }
 
 /// Opening reads header, tables and directory and nothing else; neighbours come together.
@@ -411,12 +373,10 @@ TEST(OleCompFile, ReadsNoMoreThanNeeded) {
     writer.addStream(0, u"large", makeContent(1'000'000));
     writer.addStream(0, u"small", makeContent(4000));
     const OleImage image = writer.write();
-    MemoryIo io(image.bytes());
-    OleCompFile file;
-    ASSERT_TRUE(file.OLEopen(&io));
+    test::OpenFile file(image.bytes());
     const auto firstTable = static_cast<std::size_t>(image.offsetOf(image.miniFat[0]));
     std::size_t total = 0;
-    for (const auto& [offset, count] : io.reads) {
+    for (const auto& [offset, count] : file.io.reads) {
         EXPECT_TRUE(offset == 0 || offset >= firstTable) << offset;
         total += count;
     }
@@ -426,12 +386,12 @@ TEST(OleCompFile, ReadsNoMoreThanNeeded) {
     for (const char* const name : {"large", "small"}) {
         OleStream* const stream = file.OLEopenStream(Path{name});
         ASSERT_NE(stream, nullptr);
-        io.reads.clear();
+        file.io.reads.clear();
         std::string content(stream->GetStreamSize(), '\0');
         EXPECT_EQ(stream->OLEread(reinterpret_cast<unsigned char*>(content.data()),
                                   stream->GetStreamSize()),
                   content.size());
-        EXPECT_EQ(io.reads.size(), 1U) << name;
+        EXPECT_EQ(file.io.reads.size(), 1U) << name;
         EXPECT_EQ(content, makeContent(content.size()));
         file.OLEcloseStream(stream);
     }

@@ -1,13 +1,11 @@
 // Recognising compound files and the kinds of office documents.
 #include <RynCommon/RyUri.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <sstream>
 
+#include "tests/Scratch.h"
+#include "tests/Text.h"
 #include "tests/resources/OleFixture.h"
 
 namespace RynCommon {
@@ -127,18 +125,14 @@ TEST(OleDocumentClass, StreamsThatCannotSeekAndUris) {
     std::istream none(&text);
     EXPECT_EQ(OleCompFile::detectOLEDocument(none), 0);
 
-    std::string pattern = testing::TempDir() + "ryn-oleuri-XXXXXX";
-    const std::string directory = mkdtemp(pattern.data());
-    std::ofstream(directory + "/file", std::ios::binary) << file;
-    const auto uri = [&](const char* name) {
-        return RyUri(UnicodeString::fromUTF8("file://" + directory + name));
-    };
-    EXPECT_TRUE(OleCompFile::isOLEUri(uri("/file")));
-    EXPECT_EQ(OleCompFile::detectOLEDocument(uri("/file")), 2);
-    EXPECT_FALSE(OleCompFile::isOLEUri(uri("/missing")));
-    EXPECT_EQ(OleCompFile::detectOLEDocument(uri("/missing")), 0);
+    const ScratchFolder folder;
+    folder.write("file", file);
+    const auto uri = [&](const char* name) { return RyUri(u("file://" + folder.path(name))); };
+    EXPECT_TRUE(OleCompFile::isOLEUri(uri("file")));
+    EXPECT_EQ(OleCompFile::detectOLEDocument(uri("file")), 2);
+    EXPECT_FALSE(OleCompFile::isOLEUri(uri("missing")));
+    EXPECT_EQ(OleCompFile::detectOLEDocument(uri("missing")), 0);
     EXPECT_EQ(OleCompFile::detectOLEDocument(uri("")), 0);
-    std::filesystem::remove_all(directory);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <RynCommon/OleCompFile.h>
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -44,6 +45,16 @@ public:
     bool seeksFromEnd = true;
     std::size_t position = 0;
     std::vector<std::pair<std::size_t, std::size_t>> reads;  ///< offset and count
+};
+
+struct HeldIo {
+    MemoryIo io;
+};
+/// A compound file in memory, open.
+struct OpenFile : HeldIo, OleCompFile {
+    explicit OpenFile(const std::string& bytes) : HeldIo{MemoryIo(bytes)} {
+        EXPECT_TRUE(OLEopen(&io));
+    }
 };
 
 /// Text in which neighbouring sectors and mini sectors differ.

@@ -23,10 +23,7 @@ constexpr int LARGE = 1;
 constexpr int SMALL = 2;
 
 OleImage makeImage(unsigned shift = 9, bool reversed = false) {
-    OleWriter::Options options;
-    options.shift = shift;
-    options.reversed = reversed;
-    OleWriter writer(options);
+    OleWriter writer({.shift = shift, .reversed = reversed});
     writer.addStream(0, u"large", makeContent(6000));
     writer.addStream(0, u"small", makeContent(1000));
     const int storage = writer.addStorage(0, u"storage");
@@ -81,17 +78,14 @@ TEST(OleHostile, FilesCutAnywhere) {
 }
 
 TEST(OleHostile, StreamsCutAtEverySector) {
-    OleWriter::Options options;
-    OleWriter writer(options);
+    OleWriter writer;
     writer.addStream(0, u"s", makeContent(20'000));
     OleImage image = writer.write();
-    MemoryIo io(image.bytes());
-    OleCompFile file;
-    ASSERT_TRUE(file.OLEopen(&io));
+    test::OpenFile file(image.bytes());
     OleStream stream(&file);
     ASSERT_TRUE(stream.GetStreamChain(1));
     for (std::size_t size = 0; size <= 20'512; size += 100) {
-        io.bytes = image.bytes().substr(0, size);
+        file.io.bytes = image.bytes().substr(0, size);
         stream.OLEseek(0, 0);
         const std::size_t left = std::min<std::size_t>(size < 512 ? 0 : size - 512, 20'000);
         EXPECT_EQ(test::readAll(stream, 3000), makeContent(20'000).substr(0, left));
@@ -103,20 +97,16 @@ TEST(OleHostile, StreamsCutAtEverySector) {
 TEST(OleHostile, PositionsWithoutASectorAreSoughtButNotReached) {
     OleImage image = makeImage();
     image.setNext(image.miniStream[0], -2);
-    MemoryIo io(image.bytes());
-    OleCompFile file;
-    ASSERT_TRUE(file.OLEopen(&io));
+    test::OpenFile file(image.bytes());
     OleStream stream(&file);
     ASSERT_TRUE(stream.GetStreamChain(SMALL));
     unsigned char byte = 0;
-    const struct {
-        std::int32_t position;
-        std::int64_t result;
-    } rows[] = {{511, 511}, {512, -1}, {999, -1}, {1000, 1000}, {0, 0}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(stream.OLEseek(row.position, 0), row.result) << row.position;
-        EXPECT_EQ(stream.OLEtell(), static_cast<std::uint32_t>(row.position));
-        EXPECT_EQ(stream.OLEread(&byte, 1), row.position < 512 ? 1U : 0U) << row.position;
+    const std::pair<std::int32_t, std::int64_t> rows[] = {
+        {511, 511}, {512, -1}, {999, -1}, {1000, 1000}, {0, 0}};
+    for (const auto& [position, result] : rows) {
+        EXPECT_EQ(stream.OLEseek(position, 0), result) << position;
+        EXPECT_EQ(stream.OLEtell(), static_cast<std::uint32_t>(position));
+        EXPECT_EQ(stream.OLEread(&byte, 1), position < 512 ? 1U : 0U) << position;
     }
 }
 
@@ -223,17 +213,14 @@ TEST(OleHostile, BrokenTreesOfSiblings) {
                  {0L, 1L, 3L, 4L, 6L, 7L, 8L, -2L, 0x7FFFFFFFL, -0x80000000L}) {
                 OleImage broken = image;
                 broken.sink.set32(broken.entryOffset(id) + field, target);
-                MemoryIo io(broken.bytes());
-                OleCompFile file;
-                ASSERT_TRUE(file.OLEopen(&io));
+                test::OpenFile file(broken.bytes());
                 testing::internal::CaptureStderr();
                 for (const char* name : {"a", "b", "c", "d", "none"}) {
                     const std::string content = readStream(file, Path{"storage", name});
                     EXPECT_TRUE(content == NONE || content == "x");
                 }
-                for (const int start : {0, 1, 3, 4, 5, 6, 7}) {
+                for (const int start : {0, 1, 3, 4, 5, 6, 7})
                     EXPECT_EQ(file.findDirEntryByName(file.getDirInfo(start), "none"), -1);
-                }
                 file.OLEcloseStream(file.OLEopenObject(Path{"storage"}));
                 file.OLEcloseStream(file.OLEopenObject(Path{}));
                 testing::internal::GetCapturedStderr();
@@ -257,9 +244,7 @@ std::int32_t walkStepwise(const ole::SectorTables& tables, std::int32_t start, s
 }
 
 TEST(OleHostile, ChainsAreWhatAStepwiseWalkFinds) {
-    OleWriter::Options options;
-    options.leastFatSectors = 4;
-    OleImage image = OleWriter(options).write();
+    OleImage image = OleWriter({.leastFatSectors = 4}).write();
     std::uint32_t random = 7;
     const auto draw = [&random](std::uint32_t range) {
         random = random * 1664525 + 1013904223;
@@ -300,11 +285,9 @@ TEST(OleHostile, ChainsAndDirectoriesCanBeLimited) {
     const std::string bytes = makeImage().bytes();
     const std::uint32_t all = OleLimits::UNLIMITED;
     const struct {
-        std::uint32_t chain;
-        std::uint32_t entries;
+        std::uint32_t chain, entries;
         bool opens;
-        std::size_t large;
-        std::size_t small;
+        std::size_t large, small;
     } rows[] = {
         {all, all, true, 6000, 1000}, {16, 8, true, 6000, 1000},  {15, all, true, 6000, 0},
         {12, all, true, 6000, 0},     {11, all, true, 0, 0},      {2, all, true, 0, 0},
@@ -355,9 +338,8 @@ TEST(OleHostile, NumbersAtTheirExtremes) {
         };
         for (std::size_t offset = 24; offset < 512; offset += 4) damage(offset);
         const std::size_t tables = image.offsetOf(image.miniFat[0]);
-        for (std::size_t offset = tables; offset + 4 <= image.bytes().size(); offset += 4) {
+        for (std::size_t offset = tables; offset + 4 <= image.bytes().size(); offset += 4)
             damage(offset);
-        }
     }
 }
 

@@ -1,14 +1,10 @@
 // Streams inside of compound files: seeking, reading in pieces, copying, the standard stream.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <memory>
 
+#include "tests/Scratch.h"
 #include "tests/resources/OleFixture.h"
 
 namespace RynCommon {
@@ -24,10 +20,7 @@ class OleStreamTest : public testing::Test {
 protected:
     /// Opens a file with the one stream "s", scattered over its sectors.
     OleStream& open(std::size_t size, std::uint32_t cutoff = 4096) {
-        OleWriter::Options options;
-        options.scattered = true;
-        options.cutoff = cutoff;
-        OleWriter writer(options);
+        OleWriter writer({.cutoff = cutoff, .scattered = true});
         writer.addStream(0, u"s", makeContent(size));
         writer.addStream(0, u"other", makeContent(700, 2));
         image_ = writer.write();
@@ -114,9 +107,8 @@ TEST_F(OleStreamTest, TheCutoffTellsWhereAStreamLives) {
         EXPECT_EQ(test::readAll(stream), makeContent(row.size)) << row.size;
         const std::vector<std::int32_t>& chain = image_.chains[1];
         EXPECT_EQ(chain.size(), (row.size + (row.mini ? 63 : 511)) / (row.mini ? 64 : 512));
-        for (std::size_t i = 0; i < chain.size(); ++i) {
+        for (std::size_t i = 0; i < chain.size(); ++i)
             ASSERT_EQ(stream.GetStreamChainIndex(static_cast<std::uint32_t>(i)), chain[i]);
-        }
         EXPECT_EQ(stream.GetStreamChainIndex(static_cast<std::uint32_t>(chain.size())), -1);
         EXPECT_EQ(stream.GetStreamChainIndex(0xFFFFFFFF), -1);
     }
@@ -137,28 +129,25 @@ TEST_F(OleStreamTest, OnlyStreamsHaveAChain) {
 }
 
 TEST_F(OleStreamTest, CopiesToAFileAndKeepsItsPlace) {
-    std::string pattern = testing::TempDir() + "ryn-olecopy-XXXXXX";
-    const std::string directory = mkdtemp(pattern.data());
-    const std::string path = directory + "/copy";
+    const ScratchFolder folder;
+    const std::string path = folder.path("copy");
     for (const std::size_t size : {0U, 1U, 4095U, 10240U, 10241U, 50'000U}) {
         OleStream& stream = open(size);
         stream.OLEseek(77, 0);
-        std::ofstream(path) << "something longer than nothing";
+        folder.write("copy", "something longer than nothing");
         EXPECT_TRUE(stream.CopyToFile(path.c_str()));
         EXPECT_EQ(stream.OLEtell(), std::min<std::size_t>(77, size));
-        std::ifstream in(path, std::ios::binary);
-        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), makeContent(size));
+        EXPECT_EQ(folder.read("copy"), makeContent(size));
     }
     OleStream& stream = *stream_;
     stream.OLEseek(77, 0);
-    EXPECT_FALSE(stream.CopyToFile(directory.c_str()));
-    EXPECT_FALSE(stream.CopyToFile((directory + "/no/copy").c_str()));
+    EXPECT_FALSE(stream.CopyToFile(folder.path().c_str()));
+    EXPECT_FALSE(stream.CopyToFile(folder.path("no/copy").c_str()));
     EXPECT_FALSE(stream.CopyToFile("/dev/full"));
     EXPECT_FALSE(stream.CopyToFile(nullptr));
     io_->bytes.resize(io_->bytes.size() / 2);
     EXPECT_FALSE(stream.CopyToFile(path.c_str())) << "a stream that is cut";
     EXPECT_EQ(stream.OLEtell(), 77U);
-    std::filesystem::remove_all(directory);
 }
 
 TEST_F(OleStreamTest, TheStandardStreamEndsAtItsLimit) {

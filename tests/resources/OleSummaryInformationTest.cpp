@@ -6,39 +6,24 @@
 #include <bit>
 #include <limits>
 
+#include "tests/Text.h"
 #include "tests/resources/OleFixture.h"
 #include "tests/resources/PropertySetWriter.h"
 
 namespace RynCommon {
 namespace {
 
-using test::MemoryIo;
 using test::OleWriter;
+using test::OpenFile;
 using test::PropertySetWriter;
 
-/// A compound file with a summary information stream, open.
-class Document {
-public:
-    explicit Document(std::string summary, std::string documentSummary = "") : io_("") {
-        OleWriter writer;
-        writer.addStream(0, u"\u0005SummaryInformation", std::move(summary));
-        if (!documentSummary.empty()) {
-            writer.addStream(0, u"\u0005DocumentSummaryInformation", std::move(documentSummary));
-        }
-        io_.bytes = writer.write().bytes();
-        EXPECT_TRUE(file.OLEopen(&io_));
-    }
-
-private:
-    MemoryIo io_;
-
-public:
-    OleCompFile file;
-};
-
-std::string toText(const RyValue& value) {
-    std::string text;
-    return value.toString().toUTF8String(text);
+/// A compound file with a summary information stream.
+std::string fileOf(std::string summary, std::string documentSummary = "") {
+    OleWriter writer;
+    writer.addStream(0, u"\u0005SummaryInformation", std::move(summary));
+    if (!documentSummary.empty())
+        writer.addStream(0, u"\u0005DocumentSummaryInformation", std::move(documentSummary));
+    return writer.write().bytes();
 }
 
 constexpr std::size_t ID = 2;
@@ -105,16 +90,16 @@ TEST(OleSummaryInformation, ServesTypes) {
         for (const auto& row : rows) {
             PropertySetWriter writer(bigEndian);
             writer.section().add(ID, row.type, row.bytes);
-            Document document(writer.write());
+            OpenFile document(fileOf(writer.write()));
             OleSummaryInformation information;
-            ASSERT_EQ(information.initSummaryInformation(&document.file), 1) << row.what;
+            ASSERT_EQ(information.initSummaryInformation(&document), 1) << row.what;
             RyValue basic;
             EXPECT_EQ(information.getProperty(ID, basic), row.basic) << row.what;
             EXPECT_EQ(basic.getValueType(), row.basic == 1 ? row.kind : RYVALUE_NULL) << row.what;
             RyValue any;
             EXPECT_EQ(information.getPropertyAny(ID, any), row.any) << row.what;
             EXPECT_EQ(any.getValueType(), row.kind) << row.what;
-            EXPECT_EQ(toText(any), row.text) << row.what << bigEndian;
+            EXPECT_EQ(s(any.toString()), row.text) << row.what << bigEndian;
         }
     }
 }
@@ -123,9 +108,9 @@ TEST(OleSummaryInformation, ServesTheIdsOfTheSummary) {
     PropertySetWriter writer;
     writer.section();
     for (std::size_t id = 1; id <= 25; ++id) writer.add(id, 3, writer.number(100 + id, 4));
-    Document document(writer.write());
+    OpenFile document(fileOf(writer.write()));
     OleSummaryInformation information;
-    ASSERT_EQ(information.initSummaryInformation(&document.file), 1);
+    ASSERT_EQ(information.initSummaryInformation(&document), 1);
     const std::string served = "1 2 3 4 5 6 7 8 9 14 15 16 18 19 ";
     std::string answered;
     for (unsigned long id = 0; id <= 26; ++id) {
@@ -141,8 +126,7 @@ TEST(OleSummaryInformation, ServesTheIdsOfTheSummary) {
 
 TEST(OleSummaryInformation, DecodesTheCodePage) {
     const struct {
-        std::size_t type;
-        std::size_t codePage;
+        std::size_t type, codePage;
         const char* name;
         std::string bytes;
         const char16_t* text;
@@ -180,18 +164,18 @@ TEST(OleSummaryInformation, DecodesTheCodePage) {
         writer.section().add(2, 30, writer.narrow(row.bytes + std::string("\0x\0", 3)));
         if (row.type != 0) writer.add(1, row.type, writer.number(row.codePage, 4));
         // Both streams take the code page from their own property.
-        Document document(writer.write(), writer.write());
+        OpenFile document(fileOf(writer.write(), writer.write()));
         OleSummaryInformation information;
         for (const bool ofDocument : {false, true}) {
-            ASSERT_EQ(ofDocument ? information.initDocumentSummaryInformation(&document.file)
-                                 : information.initSummaryInformation(&document.file),
+            ASSERT_EQ(ofDocument ? information.initDocumentSummaryInformation(&document)
+                                 : information.initSummaryInformation(&document),
                       1);
             EXPECT_EQ(information.getCodePage(), UnicodeString(row.name));
             RyValue value;
             ASSERT_EQ(information.getProperty(2, value), 1) << row.name;
             // Two NULs end UTF-16, too.
             const UnicodeString text = value.toString();
-            EXPECT_EQ(text.startsWith(row.text), true) << row.name << " " << toText(value);
+            EXPECT_EQ(text.startsWith(row.text), true) << row.name << " " << s(value.toString());
             if (row.codePage != 1200) {
                 EXPECT_EQ(text, row.text) << row.name;
             }
@@ -204,16 +188,16 @@ TEST(OleSummaryInformation, AnOpenedCodePageIsGivenUpWithItsStream) {
     first.section().add(1, 2, first.number(1252, 2)).add(2, 30, first.narrow("\x80"));
     PropertySetWriter second;
     second.section().add(2, 30, second.narrow("\x93\xFA"));
-    Document document(first.write(), second.write());
+    OpenFile document(fileOf(first.write(), second.write()));
     OleSummaryInformation information;
     RyValue value;
     EXPECT_EQ(information.getProperty(2, value), -1);
-    ASSERT_EQ(information.initSummaryInformation(&document.file), 1);
+    ASSERT_EQ(information.initSummaryInformation(&document), 1);
     EXPECT_EQ(information.getProperty(2, value), 1);
-    EXPECT_EQ(toText(value), "\xE2\x82\xAC");
-    ASSERT_EQ(information.initDocumentSummaryInformation(&document.file), 1);
+    EXPECT_EQ(s(value.toString()), "\xE2\x82\xAC");
+    ASSERT_EQ(information.initDocumentSummaryInformation(&document), 1);
     EXPECT_EQ(information.getProperty(2, value), 1);
-    EXPECT_EQ(toText(value), "\xE6\x97\xA5");
+    EXPECT_EQ(s(value.toString()), "\xE6\x97\xA5");
     EXPECT_EQ(information.initSummaryInformation(nullptr), -1);
     EXPECT_EQ(information.getProperty(2, value), -1);
     OleCompFile closed;
@@ -231,8 +215,7 @@ TEST(OleSummaryInformation, ReadsHyperLinks) {
         const struct {
             const char* what;
             std::string names;
-            std::size_t id;
-            std::size_t type;
+            std::size_t id, type;
             std::string blob;
             int count;
         } rows[] = {
@@ -261,20 +244,19 @@ TEST(OleSummaryInformation, ReadsHyperLinks) {
             PropertySetWriter writer(bigEndian);
             writer.section().add(2, 3, writer.number(1, 4));
             writer.section().add(0, 0, row.names).add(row.id, row.type, row.blob);
-            Document document("", writer.write());
+            OpenFile document(fileOf("", writer.write()));
             OleSummaryInformation information;
             std::vector<UnicodeString> found(1, u"kept");
             EXPECT_EQ(information.getHyperLinks(found), -1) << "before";
-            ASSERT_EQ(information.initDocumentSummaryInformation(&document.file), 1) << row.what;
+            ASSERT_EQ(information.initDocumentSummaryInformation(&document), 1) << row.what;
             EXPECT_EQ(information.getHyperLinks(found), row.count) << row.what;
             ASSERT_EQ(found.size(), 1U + static_cast<unsigned>(std::max(row.count, 0)));
             EXPECT_EQ(found[0], UnicodeString(u"kept"));
             if (row.count == 1) {
                 EXPECT_EQ(found[1], UnicodeString(u"x")) << row.what;
             }
-            for (std::size_t i = 0; row.count == 4 && i < 4; ++i) {
+            for (std::size_t i = 0; row.count == 4 && i < 4; ++i)
                 EXPECT_EQ(found[i + 1], UnicodeString(links[i].c_str())) << bigEndian;
-            }
             RyValue value;
             EXPECT_EQ(information.getPropertyAny(row.id, value), -1) << "of the section with names";
         }
@@ -307,9 +289,9 @@ TEST(OleSummaryInformation, ReadsDictionariesInUtf16AndUpToTheNextProperty) {
         PropertySetWriter writer;
         writer.section();
         writer.add(0, 0, row.names).add(1, 2, w.number(row.codePage, 2)).add(9, 65, links);
-        Document document("", writer.write());
+        OpenFile document(fileOf("", writer.write()));
         OleSummaryInformation information;
-        ASSERT_EQ(information.initDocumentSummaryInformation(&document.file), 1) << row.what;
+        ASSERT_EQ(information.initDocumentSummaryInformation(&document), 1) << row.what;
         std::vector<UnicodeString> found;
         EXPECT_EQ(information.getHyperLinks(found), row.links) << row.what;
     }
@@ -326,9 +308,9 @@ std::string makeSample() {
 }
 
 void readEverything(const std::string& set) {
-    Document document(set, set);
+    OpenFile document(fileOf(set, set));
     OleSummaryInformation information;
-    const int result = information.initDocumentSummaryInformation(&document.file);
+    const int result = information.initDocumentSummaryInformation(&document);
     EXPECT_TRUE(result == 1 || result == -1);
     for (unsigned long id = 0; id < 20; ++id) {
         RyValue value;
@@ -354,9 +336,7 @@ TEST(OleSummaryInformation, BrokenStreamsAreMalformed) {
     }
     const struct {
         const char* what;
-        std::size_t offset;
-        std::size_t size;
-        std::size_t value;
+        std::size_t offset, size, value;
         int result;
     } rows[] = {
         {"as written", 2, 2, 0, 1},
@@ -372,12 +352,12 @@ TEST(OleSummaryInformation, BrokenStreamsAreMalformed) {
         test::ByteSink sink(false);
         sink.bytes = sample;
         sink.set(row.offset, row.value, row.size);
-        Document document(sink.bytes);
+        OpenFile document(fileOf(sink.bytes));
         OleSummaryInformation information;
-        EXPECT_EQ(information.initSummaryInformation(&document.file), row.result) << row.what;
+        EXPECT_EQ(information.initSummaryInformation(&document), row.result) << row.what;
     }
-    Document empty("");
-    EXPECT_EQ(OleSummaryInformation().initSummaryInformation(&empty.file), -1);
+    OpenFile empty(fileOf(""));
+    EXPECT_EQ(OleSummaryInformation().initSummaryInformation(&empty), -1);
 }
 
 /// Sections that share one long table claim more than the stream has.
@@ -397,26 +377,26 @@ TEST(OleSummaryInformation, SharedTablesAreMalformed) {
     for (std::size_t i = 0; i < PROPERTIES; ++i) sink.put64(0x0000000800000002);
     const std::string shared = sink.bytes;
     sink.set(24, 1, 4);
-    Document document(shared);
-    Document single(sink.bytes);
+    OpenFile document(fileOf(shared));
+    OpenFile single(fileOf(sink.bytes));
     OleSummaryInformation information;
-    EXPECT_EQ(information.initSummaryInformation(&document.file), -1);
-    EXPECT_EQ(information.initSummaryInformation(&single.file), 1);
+    EXPECT_EQ(information.initSummaryInformation(&document), -1);
+    EXPECT_EQ(information.initSummaryInformation(&single), 1);
 }
 
 TEST(OlePropertySet, TellsWhatIsThere) {
     PropertySetWriter writer;
     writer.section().add(1, 2, writer.number(65001, 2)).add(2, 30, writer.narrow("T\xC3\xAF\0"));
     writer.add(4, 0x101E, writer.number(1, 4) + writer.narrow("Author")).add(3, 64, "12345678");
-    Document document(writer.write());
+    OpenFile document(fileOf(writer.write()));
     OlePropertySet set;
-    EXPECT_TRUE(set.init(&document.file));
+    EXPECT_TRUE(set.init(&document));
     EXPECT_EQ(set.getTitle(), UnicodeString(u"T\u00EF"));
     EXPECT_TRUE(set.getSubject().isEmpty());
     EXPECT_EQ(set.getAuthor(), UnicodeString(u"Author"));
     EXPECT_TRUE(set.getKeywords().isEmpty());
-    Document other("no property set");
-    EXPECT_FALSE(set.init(&other.file));
+    OpenFile other(fileOf("no property set"));
+    EXPECT_FALSE(set.init(&other));
     EXPECT_TRUE(set.getTitle().isEmpty());
     EXPECT_FALSE(set.init(nullptr));
 }
@@ -442,15 +422,15 @@ TEST(OleSummaryInformation, SizesCanBeLimited) {
         {"sections exceeded", {.properties = 1}, -1},
     };
     for (const auto& row : rows) {
-        Document document(set);
+        OpenFile document(fileOf(set));
         OleSummaryInformation own;
         own.setLimits(row.limits);
-        EXPECT_EQ(own.initSummaryInformation(&document.file), row.result) << row.what;
-        document.file.setLimits(row.limits);
+        EXPECT_EQ(own.initSummaryInformation(&document), row.result) << row.what;
+        document.setLimits(row.limits);
         OleSummaryInformation followsFile;
-        EXPECT_EQ(followsFile.initSummaryInformation(&document.file), row.result) << row.what;
+        EXPECT_EQ(followsFile.initSummaryInformation(&document), row.result) << row.what;
         OlePropertySet properties;
-        EXPECT_EQ(properties.init(&document.file), row.result == 1) << row.what;
+        EXPECT_EQ(properties.init(&document), row.result == 1) << row.what;
     }
 }
 
@@ -481,9 +461,9 @@ public:
 };
 
 TEST(OleSummaryInformation, GivesItsReadersToDerivedClasses) {
-    Document document(makeSample());
+    OpenFile document(fileOf(makeSample()));
     Reader reader;
-    ASSERT_EQ(reader.initSummaryInformation(&document.file), 1);
+    ASSERT_EQ(reader.initSummaryInformation(&document), 1);
     reader.check();
 }
 

@@ -22,9 +22,8 @@ std::size_t ceilDivide(std::size_t a, std::size_t b) {
 }
 
 void link(const std::vector<std::int32_t>& chain, std::vector<std::int32_t>& table) {
-    for (std::size_t i = 0; i < chain.size(); ++i) {
+    for (std::size_t i = 0; i < chain.size(); ++i)
         table[static_cast<std::size_t>(chain[i])] = i + 1 < chain.size() ? chain[i + 1] : END;
-    }
 }
 
 }  // namespace
@@ -183,9 +182,8 @@ void OleWriter::writeDirectory(OleImage& image) {
         sink.put16(2 * (entry.name.size() + 1));
         sink.put(static_cast<std::size_t>(entry.type), 1);
         sink.put(1, 1);
-        for (const int id : {entry.left, entry.right, entry.child}) {
+        for (const int id : {entry.left, entry.right, entry.child})
             sink.put32(static_cast<std::uint32_t>(id));
-        }
         for (int i = 0; i < 16; ++i) sink.put(static_cast<std::size_t>(0xA0 + i), 1);
         sink.put32(0x12345678);
         sink.put64(0x01D0000000000001);
@@ -198,9 +196,8 @@ void OleWriter::writeDirectory(OleImage& image) {
     store(image, image.directory, sink.bytes);
     const std::size_t all = image.directory.size() << (options_.shift - 7);
     for (std::size_t id = entries_.size(); id < all; ++id) {
-        for (const std::size_t at : {68U, 72U, 76U}) {
+        for (const std::size_t at : {68U, 72U, 76U})
             image.sink.set32(image.entryOffset(static_cast<int>(id)) + at, -1);
-        }
     }
 }
 
@@ -257,9 +254,8 @@ void OleWriter::writeHeader(OleImage& image) {
     header.put32(image.miniFat.size());
     header.put32(startOf(image.difat));
     header.put32(image.difat.size());
-    for (std::size_t i = 0; i < HEADER_ENTRIES; ++i) {
+    for (std::size_t i = 0; i < HEADER_ENTRIES; ++i)
         header.put32(static_cast<std::uint32_t>(i < image.fat.size() ? image.fat[i] : -1));
-    }
     image.sink.bytes.replace(0, 512, header.bytes);
 }
 

@@ -6,19 +6,11 @@
 #include <sstream>
 #include <string>
 
+#include "tests/Text.h"
 #include "tests/resources/PackageWriter.h"
 
 namespace RynCommon {
 namespace {
-
-UnicodeString u(const std::string& text) {
-    return UnicodeString::fromUTF8(text);
-}
-
-std::string s(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
 
 /// Counts what the parts make the library ask for.
 class Watch : public RyUriReferenceResolver {

@@ -4,19 +4,11 @@
 #include <sstream>
 #include <string>
 
+#include "tests/Text.h"
 #include "tests/resources/PackageWriter.h"
 
 namespace RynCommon {
 namespace {
-
-UnicodeString u(const std::string& text) {
-    return UnicodeString::fromUTF8(text);
-}
-
-std::string s(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
 
 std::string typeOf(PackageInMemory& package, const std::string& name) {
     return s(package->getContentType(package.part(name)));
@@ -50,10 +42,7 @@ TEST(PackageTest, ContentTypes) {
                   "<x><Override PartName='/nested.png' ContentType='x'/></x>"
                   "<Override xmlns='urn:x' PartName='/strange.png' ContentType='x'/>")},
     });
-    const struct {
-        const char* name;
-        const char* type;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"word/document.xml", "main"},
         {"word/other.xml", "text"},
         {"word/LOUD.XML", ""},
@@ -68,7 +57,7 @@ TEST(PackageTest, ContentTypes) {
         {CONTENT_TYPES, "text"},
         {"", ""},
     };
-    for (const auto& row : rows) EXPECT_EQ(typeOf(package, row.name), row.type) << row.name;
+    for (const auto& [name, type] : rows) EXPECT_EQ(typeOf(package, name), type) << name;
 }
 
 TEST(PackageTest, ContentTypesAreReadFromTheRightRootOnly) {
@@ -112,8 +101,7 @@ TEST(PackageTest, ContentTypesAreReadFromTheRightRootOnly) {
 TEST(PackageTest, RelationshipsPartOfEachSource) {
     const std::string other = relsXml(rel("r", "t", "wrong"));
     const struct {
-        const char* source;
-        const char* rels;
+        const char *source, *rels;
     } rows[] = {
         {"", "_rels/.rels"},
         {"document.xml", "_rels/document.xml.rels"},
@@ -132,20 +120,16 @@ TEST(PackageTest, RelationshipsPartOfEachSource) {
         std::erase_if(
             parts, [&](const auto& part) { return part.first == row.rels && part.second.empty(); });
         PackageInMemory package(parts);
-        for (const auto& each : rows) {
+        for (const auto& each : rows)
             EXPECT_EQ(s(package->getRelationshipTargetFromId(u("r"), package.part(each.source))),
                       std::string(each.source) == row.source ? "urn:here" : "")
                 << row.rels << " for " << each.source;
-        }
     }
 }
 
 TEST(PackageTest, TargetsOfPartsAreMemberNames) {
     const struct {
-        const char* source;
-        const char* target;
-        const char* mode;
-        const char* expected;
+        const char *source, *target, *mode, *expected;
     } rows[] = {
         {"word/document.xml", "media/image1.png", "", "word/media/image1.png"},
         {"word/document.xml", "media/image1.png", "Internal", "word/media/image1.png"},
@@ -229,9 +213,7 @@ TEST(PackageTest, TheFirstOfEqualRelationshipsWins) {
 
 TEST(PackageTest, ApplicationVersion) {
     const struct {
-        const char* what;
-        const char* xml;
-        const char* version;
+        const char *what, *xml, *version;
     } rows[] = {
         {"as written",
          "<Properties xmlns='http://schemas.openxmlformats.org/officeDocument/2006/"

@@ -5,17 +5,10 @@
 
 #include <string>
 
+#include "tests/Text.h"
+
 namespace RynCommon {
 namespace {
-
-UnicodeString u(const std::string& text) {
-    return UnicodeString::fromUTF8(text);
-}
-
-std::string s(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
 
 TEST(UriTest, ConstructionMakesOneForm) {
     const struct {
@@ -47,18 +40,14 @@ TEST(UriTest, ConstructionMakesOneForm) {
         {"'", RyUri::CSS_URI_OR_PATH, "'"},
         {"'a'", RyUri::URI_OR_PATH, "'a'"},
     };
-    for (const auto& row : rows) {
+    for (const auto& row : rows)
         EXPECT_EQ(s(RyUri(u(row.text), row.type)), row.expected) << row.text << " as " << row.type;
-    }
 }
 
 TEST(UriTest, KindsAndSchemes) {
     const struct {
-        const char* text;
-        const char* scheme;
-        bool file;
-        bool data;
-        bool jar;
+        const char *text, *scheme;
+        bool file, data, jar;
     } rows[] = {
         {"", "", true, false, false},
         {"a/b.xml", "", true, false, false},
@@ -82,10 +71,7 @@ TEST(UriTest, KindsAndSchemes) {
 
 TEST(UriTest, FileNamesExtensionsAndBases) {
     const struct {
-        const char* text;
-        const char* name;
-        const char* extension;
-        const char* base;
+        const char *text, *name, *extension, *base;
     } rows[] = {
         {"", "", "", ""},
         {"a.xml", "a.xml", "xml", ""},
@@ -121,9 +107,7 @@ TEST(UriTest, FileNameOutlivesItsUri) {
 
 TEST(UriTest, SetExtension) {
     const struct {
-        const char* text;
-        const char* extension;
-        const char* expected;
+        const char *text, *extension, *expected;
     } rows[] = {
         {"a.xml", "pdf", "a.pdf"},
         {"a.xml", ".pdf", "a.pdf"},
@@ -156,10 +140,7 @@ TEST(UriTest, DirectoriesAndFragments) {
 }
 
 TEST(UriTest, UnescapeGivesOneUnitPerEscape) {
-    const struct {
-        const char* text;
-        UnicodeString expected;
-    } rows[] = {
+    const std::pair<const char*, UnicodeString> rows[] = {
         {"", u""},
         {"a%20b%2Fc%2fd", u"a b/c/d"},
         {"%C3%A9", u"\u00C3\u00A9"},
@@ -168,16 +149,11 @@ TEST(UriTest, UnescapeGivesOneUnitPerEscape) {
         {"%4x%%41", u"%4x%A"},
         {"%00", UnicodeString(u"\0", 1)},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(RyUri::unescape(u(row.text)), row.expected) << row.text;
-    }
+    for (const auto& [text, expected] : rows) EXPECT_EQ(RyUri::unescape(u(text)), expected) << text;
 }
 
 TEST(UriTest, LocalPaths) {
-    const struct {
-        const char* text;
-        const char* expected;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"", ""},
         {"file:///C:/a%20b/c.xml", "C:\\a b\\c.xml"},
         {"file:C:/a", "C:\\a"},
@@ -196,18 +172,15 @@ TEST(UriTest, LocalPaths) {
         {"http://h/a%20b", "http://h/a%20b"},
         {"jar:file:///a%20b!/c", "jar:file:///a%20b!/c"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(s(RyUri(u(row.text)).getLocalPath()), row.expected) << row.text;
-    }
+    for (const auto& [text, expected] : rows)
+        EXPECT_EQ(s(RyUri(u(text)).getLocalPath()), expected) << text;
 }
 
 TEST(UriTest, DataUris) {
     const struct {
-        const char* text;
-        const char* mediaType;
+        const char *text, *mediaType;
         bool base64;
-        int dataPos;
-        int page;
+        int dataPos, page;
     } rows[] = {
         {"data:text/plain;charset=utf-8;base64,AAAA", "text/plain", true, 37, 0},
         {"data:,abc,def;base64", "", false, 6, 0},

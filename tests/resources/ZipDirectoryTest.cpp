@@ -77,9 +77,8 @@ std::vector<Row> getReadable() {
 }
 
 TEST(ZipDirectoryTest, ReadsMembersByTheirDirectory) {
-    for (const auto& [what, archive, expected] : getReadable()) {
+    for (const auto& [what, archive, expected] : getReadable())
         EXPECT_EQ(readMembers(openZip(archive, true)), expected) << what;
-    }
 }
 
 TEST(ZipDirectoryTest, WithoutAnEndThereIsNoMember) {

@@ -3,15 +3,12 @@
 
 #include <gtest/gtest.h>
 #include <unicode/ucnv.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <string>
 
 #include "ZipReading.h"
+#include "tests/Scratch.h"
 #include "tests/streams/DeflateData.h"
 
 namespace RynCommon {
@@ -62,8 +59,7 @@ TEST(ZipFileTest, TellsWhatTheHeaderTells) {
     const std::uint64_t packed = deflateData(text).size();
     const struct {
         unsigned method;
-        std::uint64_t compressed;
-        std::uint64_t uncompressed;
+        std::uint64_t compressed, uncompressed;
     } rows[] = {{8, packed, 5'000}, {0, 5'000, 5'000}, {99, 4, 4}};
     for (unsigned i = 0; i < 3; ++i) {
         RyZipFileEntry* const entry = zip.getFileEntry(i);
@@ -97,7 +93,7 @@ TEST(ZipFileTest, FindsMembersByTheirExactNames) {
     for (const auto& [name, index] : rows) {
         RyZipFileEntry* const expected =
             index < 0 ? nullptr : zip.getFileEntry(static_cast<unsigned>(index));
-        EXPECT_EQ(zip.getFileEntry(UnicodeString(name)), expected) << toUtf8(name);
+        EXPECT_EQ(zip.getFileEntry(UnicodeString(name)), expected) << s(name);
     }
     EXPECT_EQ(zip.getFileEntryCount(), 5u);
     EXPECT_EQ(zip.getFileEntry(5), nullptr);
@@ -170,9 +166,8 @@ TEST(ZipFileTest, KnowsItsTypes) {
     EXPECT_EQ(entry.getTypeID(), 0x1E3480DFu);
     EXPECT_EQ(entry.getTypeName(), UnicodeString(u"RyZipFileEntry"));
     EXPECT_EQ(RyZipEntry::getStaticTypeID(), 0xB84B5A40u);
-    for (const unsigned id : {0x1E3480DFu, 0xB84B5A40u, 0x90AF0240u, 0xA4EBD8C4u}) {
+    for (const unsigned id : {0x1E3480DFu, 0xB84B5A40u, 0x90AF0240u, 0xA4EBD8C4u})
         EXPECT_TRUE(entry.isA(id)) << std::hex << id;
-    }
     EXPECT_FALSE(entry.isA(0x31FB5B85u));
 }
 
@@ -209,29 +204,25 @@ TEST(ZipFileTest, RecognisesArchivesWithoutMovingTheStream) {
 TEST(ZipFileTest, MembersCanBeLimited) {
     const std::string bytes = makeZip({{"a", "1"}, {"b", "2"}, {"c", "3"}});
     EXPECT_EQ(RyZipFile().getLimits().members, RyZipLimits::UNLIMITED);
-    const struct {
-        std::uint64_t limit;
-        Members expected;
-    } rows[] = {{0, {}}, {2, {"a=1", "b=2"}}, {3, {"a=1", "b=2", "c=3"}}};
-    for (const auto& row : rows) {
+    const std::pair<std::uint64_t, Members> rows[] = {
+        {0, {}}, {2, {"a=1", "b=2"}}, {3, {"a=1", "b=2", "c=3"}}};
+    for (const auto& [limit, expected] : rows) {
         for (const bool useDirectory : {false, true}) {
             RyZipFile zip;
             RyZipLimits limits = zip.getLimits();
-            limits.members = row.limit;
+            limits.members = limit;
             zip.setLimits(limits);
             zip.setUseCentralDirectory(useDirectory);
             zip.open(new std::istringstream(bytes), true);
-            EXPECT_EQ(readMembers(zip), row.expected) << row.limit << " " << useDirectory;
+            EXPECT_EQ(readMembers(zip), expected) << limit << " " << useDirectory;
         }
     }
 }
 
 TEST(ZipFileTest, OpensFiles) {
-    const std::filesystem::path folder =
-        std::filesystem::path(testing::TempDir()) / ("zip-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(folder);
-    const std::string path = (folder / "\u00E9.zip").string();
-    std::ofstream(path, std::ios::binary) << makeZip({{"a", "1"}});
+    const ScratchFolder folder;
+    const std::string path = folder.path("\u00E9.zip");
+    folder.write("\u00E9.zip", makeZip({{"a", "1"}}));
     const UnicodeString text = UnicodeString::fromUTF8(path);
 
     EXPECT_EQ(readMembers(RyZipFile(path.c_str())), Members{"a=1"});
@@ -240,12 +231,11 @@ TEST(ZipFileTest, OpensFiles) {
     EXPECT_TRUE(RyZipFile::isZipFile(text));
     const std::string missing = path + "-missing";
     for (const char* const none :
-         {missing.c_str(), folder.c_str(), "", static_cast<const char*>(nullptr)}) {
+         {missing.c_str(), folder.path().c_str(), "", static_cast<const char*>(nullptr)}) {
         EXPECT_EQ(RyZipFile(none).getFileEntryCount(), 0u);
         EXPECT_FALSE(RyZipFile::isZipFile(none));
     }
     EXPECT_FALSE(RyZipFile::isZipFile(text + u'\0'));
-    std::filesystem::remove_all(folder);
 }
 
 }  // namespace

@@ -12,6 +12,8 @@
 
 #include "ZipWriter.h"
 
+#include "tests/Text.h"
+
 namespace RynCommon {
 
 inline std::string readRest(std::istream& in) {
@@ -28,17 +30,12 @@ inline RyZipFile openZip(const std::string& bytes, bool useCentralDirectory = fa
     return zip;
 }
 
-inline std::string toUtf8(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
-
 /// Every member as "name=data", in the archive's order.
 inline std::vector<std::string> readMembers(const RyZipFile& zip) {
     std::vector<std::string> members;
     for (unsigned i = 0; i < zip.getFileEntryCount(); ++i) {
         RyZipFileEntry* const entry = zip.getFileEntry(i);
-        members.push_back(toUtf8(entry->getFileName()) + "=" +
+        members.push_back(s(entry->getFileName()) + "=" +
                           readRest(*entry->getUncompressedStream(false)));
     }
     return members;

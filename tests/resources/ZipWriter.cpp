@@ -106,9 +106,7 @@ void putInDirectory(std::string& out, const Prepared& from) {
 
 /// What the end records say of the directory.
 struct End {
-    std::uint64_t count;
-    std::uint64_t size;
-    std::uint64_t offset;
+    std::uint64_t count, size, offset;
 };
 
 void putEnd64(std::string& out, const End& end, std::uint64_t position) {

@@ -27,8 +27,7 @@ std::string encode(const UnicodeString& text, const char* encoding, const Option
 
 TEST(DMCOStreamTest, EncodesAndSubstitutes) {
     const struct {
-        const char* what;
-        const char* encoding;
+        const char *what, *encoding;
         UnicodeString text;
         std::string expected;
     } rows[] = {
@@ -48,16 +47,12 @@ TEST(DMCOStreamTest, EncodesAndSubstitutes) {
         {"32 bits", "UTF-32", u"\U0001F600", std::string("\x00\xF6\x01\x00", 4)},
         {"nothing", "Shift_JIS", u"", ""},
     };
-    for (const auto& row : rows) {
+    for (const auto& row : rows)
         EXPECT_EQ(encode(row.text, row.encoding), row.expected) << row.what;
-    }
 }
 
 TEST(DMCOStreamTest, ByteOrderMarks) {
-    const struct {
-        const char* encoding;
-        std::string expected;
-    } rows[] = {
+    const std::pair<const char*, std::string> rows[] = {
         {"UTF-8",
          "\xEF\xBB\xBF"
          "a"},
@@ -71,32 +66,27 @@ TEST(DMCOStreamTest, ByteOrderMarks) {
         {"UTF-32BE", std::string("\0\0\xFE\xFF\0\0\0a", 8)},
         {"Shift_JIS", "a"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(encode(u"a", row.encoding, {true, RyDMCOStreamBuf::LF_CRLF}), row.expected)
-            << row.encoding;
-    }
+    for (const auto& [encoding, expected] : rows)
+        EXPECT_EQ(encode(u"a", encoding, {true, RyDMCOStreamBuf::LF_CRLF}), expected) << encoding;
 }
 
 TEST(DMCOStreamTest, LineEnds) {
     const UnicodeString text = u"a\nb\r\nc\rd\n\r\r\n";
-    const struct {
-        RyDMCOStreamBuf::LF_CONVERT mode;
-        std::string expected;
-    } rows[] = {
+    const std::pair<RyDMCOStreamBuf::LF_CONVERT, std::string> rows[] = {
         {RyDMCOStreamBuf::LF_NONE, "a\nb\r\nc\rd\n\r\r\n"},
         {RyDMCOStreamBuf::LF_LF, "a\nb\nc\nd\n\n\n"},
         {RyDMCOStreamBuf::LF_CRLF, "a\r\nb\r\nc\r\nd\r\n\r\n\r\n"},
         {RyDMCOStreamBuf::LF_CR, "a\rb\rc\rd\r\r\r"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(encode(text, "US-ASCII", {false, row.mode}), row.expected) << row.mode;
+    for (const auto& [mode, expected] : rows) {
+        EXPECT_EQ(encode(text, "US-ASCII", {false, mode}), expected) << mode;
         std::ostringstream bytes;
-        RyDMCOStream out(&bytes, "US-ASCII", false, row.mode);
+        RyDMCOStream out(&bytes, "US-ASCII", false, mode);
         for (std::int32_t i = 0; i < text.length(); ++i) {
             out.writeString(UnicodeString(text[i]));
             out.flush();
         }
-        EXPECT_EQ(bytes.str(), row.expected) << row.mode << ", unit by unit";
+        EXPECT_EQ(bytes.str(), expected) << mode << ", unit by unit";
     }
 }
 
@@ -127,9 +117,8 @@ TEST(DMCOStreamTest, LongTextsInPiecesOfAnySize) {
         std::ostringstream bytes;
         {
             RyDMCOStream out(&bytes, "UTF-8", false, RyDMCOStreamBuf::LF_CRLF);
-            for (int i = 0; i < text.length(); i += piece) {
+            for (int i = 0; i < text.length(); i += piece)
                 out.writeString(text.tempSubString(i, piece));
-            }
         }
         EXPECT_TRUE(bytes.str() == expected) << piece;
     }

@@ -73,10 +73,9 @@ TEST(GzipOStreamTest, OverflowOfNothingWritesNothing) {
     std::ostringstream destination;
     {
         OpenedBuf buffer(destination);
-        for (int i = 0; i < 3; ++i) {
+        for (int i = 0; i < 3; ++i)
             EXPECT_NE(buffer.overflow(std::streambuf::traits_type::eof()),
                       std::streambuf::traits_type::eof());
-        }
         buffer.sputn("ab", 2);
         buffer.overflow(std::streambuf::traits_type::eof());
         buffer.overflow('c');

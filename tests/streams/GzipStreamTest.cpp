@@ -2,11 +2,7 @@
 #include <RynCommon/RyGzipStream.h>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <sstream>
 #include <string>
@@ -14,6 +10,7 @@
 
 #include "ByteSources.h"
 #include "DeflateData.h"
+#include "tests/Scratch.h"
 
 namespace RynCommon {
 namespace {
@@ -41,8 +38,7 @@ std::string makeMember(unsigned flags, const std::string& fields, const std::str
 
 struct Reading {
     const char* what;
-    std::string bytes;
-    std::string expected;
+    std::string bytes, expected;
 };
 
 std::vector<Reading> getReadings() {
@@ -77,9 +73,8 @@ std::vector<Reading> getReadings() {
 
 TEST(GzipStreamTest, InflatesAMemberAndPassesTheRestThrough) {
     for (const auto& [what, bytes, expected] : getReadings()) {
-        for (const std::size_t step : {1, 4095, 4096, 4097, 100'000}) {
+        for (const std::size_t step : {1, 4095, 4096, 4097, 100'000})
             EXPECT_EQ(readAll(bytes, step), expected) << what << ", step " << step;
-        }
         EXPECT_EQ(readUnseekable(bytes), expected) << what << ", not seekable";
     }
 }
@@ -171,14 +166,6 @@ TEST(GzipStreamTest, ASourceThatThrowsHasEnded) {
 
 class GzipFileTest : public testing::Test {
 protected:
-    void SetUp() override {
-        folder_ =
-            std::filesystem::path(testing::TempDir()) / ("gzip-" + std::to_string(::getpid()));
-        std::filesystem::create_directories(folder_);
-        path_ = (folder_ / "f\u00E9.gz").string();
-    }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
-
     std::string read(const std::string& bytes) {
         std::ofstream(path_, std::ios::binary) << bytes;
         RyGzipStream in(path_.c_str());
@@ -186,8 +173,8 @@ protected:
         return readInSteps(in, 5'000);
     }
 
-    std::filesystem::path folder_;
-    std::string path_;
+    const ScratchFolder folder_;
+    const std::string path_ = folder_.path("f\u00E9.gz");
 };
 
 TEST_F(GzipFileTest, ReadsWhatGzipProgramsRead) {
@@ -230,9 +217,8 @@ TEST_F(GzipFileTest, OpensByEveryKindOfPath) {
     RyGzipStream byText(path);
     EXPECT_EQ(readInSteps(byText, 9), "text");
     std::wstring wide;
-    for (int32_t i = 0; i < path.length(); i = path.moveIndex32(i, 1)) {
+    for (int32_t i = 0; i < path.length(); i = path.moveIndex32(i, 1))
         wide += static_cast<wchar_t>(path.char32At(i));
-    }
     RyGzipStream byWide(wide.c_str());
     EXPECT_EQ(readInSteps(byWide, 9), "text");
 }
@@ -244,7 +230,7 @@ TEST_F(GzipFileTest, WhatDoesNotOpenReadsAsEmpty) {
         EXPECT_FALSE(in.is_open());
         EXPECT_EQ(readInSteps(in, 9), "");
     }
-    RyGzipStream folder(folder_.c_str());
+    RyGzipStream folder(folder_.path().c_str());
     EXPECT_EQ(readInSteps(folder, 9), "");
 }
 

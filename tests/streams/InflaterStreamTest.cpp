@@ -52,9 +52,8 @@ TEST(InflaterStreamTest, TenBytesCanBePutBackAfterAnyRead) {
         for (const std::size_t step : STEPS) {
             RyInflaterStream in(bytes.data(), bytes.size(), false);
             std::string piece(step, '\0');
-            for (std::size_t left = count; left > 0; left -= std::min(left, step)) {
+            for (std::size_t left = count; left > 0; left -= std::min(left, step))
                 in.read(piece.data(), static_cast<std::streamsize>(std::min(left, step)));
-            }
             in.peek();
             in.clear();
             for (std::size_t i = 1; i <= 10; ++i) {

@@ -14,24 +14,17 @@
 #include <memory>
 #include <sstream>
 
+#include "tests/Scratch.h"
+
 namespace RynCommon {
 namespace {
 
 class JZIOobjTest : public testing::Test {
 protected:
-    JZIOobjTest() {
-        std::string pattern = testing::TempDir() + "ryn-jzio-XXXXXX";
-        directory_ = mkdtemp(pattern.data());
-    }
-    ~JZIOobjTest() override { std::filesystem::remove_all(directory_); }
+    std::string path(const std::string& name) const { return folder_.path(name); }
 
-    std::string path(const std::string& name) const { return directory_ + "/" + name; }
-    std::string content(const std::string& name) const {
-        std::ifstream in(path(name), std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-
-    std::string directory_;
+    const ScratchFolder folder_;
+    const std::string& directory_ = folder_.path();
 };
 
 std::string makePattern(std::size_t size) {
@@ -156,7 +149,7 @@ TEST_F(JZIOobjTest, WritesAtPositions) {
     EXPECT_EQ(file.read(&byte, 1), 0U);
     EXPECT_FALSE(file.seek(-1, SEEK_SET));
     EXPECT_TRUE(file.close());
-    EXPECT_EQ(content("file"), std::string("aXYdef\0\0z", 9));
+    EXPECT_EQ(folder_.read("file"), std::string("aXYdef\0\0z", 9));
     EXPECT_FALSE(file.isOpen());
     EXPECT_FALSE(file.close());
     EXPECT_EQ(file.write("x", 1), 0U);

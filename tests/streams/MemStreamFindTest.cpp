@@ -50,8 +50,7 @@ TEST(MemStreamFindTest, FindsAtEveryPlaceInTextsOfEveryLength) {
 TEST(MemStreamFindTest, NearMissesChangeNothing) {
     const struct {
         const char* what;
-        std::string text;
-        std::string pattern;
+        std::string text, pattern;
     } rows[] = {
         {"absent", std::string(100'000, 'a'), std::string(500, 'a') + "b" + std::string(500, 'a')},
         {"at the end", std::string(99'000, 'a') + "b" + std::string(700, 'a'),

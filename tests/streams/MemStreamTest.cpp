@@ -180,11 +180,10 @@ TEST(MemStreamTest, SeeksInsideOfTheDataOnly) {
         {"no such way", 0, static_cast<std::ios_base::seekdir>(7), IN, -1},
         {"failed seeks moved nothing", 0, std::ios_base::cur, IN, 0},
     };
-    for (const auto& row : rows) {
+    for (const auto& row : rows)
         EXPECT_EQ(stream.rdbuf()->pubseekoff(row.offset, row.way, row.which),
                   std::streampos(row.expected))
             << row.what;
-    }
 }
 
 TEST(MemStreamTest, LineEnds) {
@@ -219,8 +218,7 @@ TEST(MemStreamTest, SearchesAcrossBlocksAndSources) {
     const std::string longNeedle(bytes.rbegin(), bytes.rbegin() + 150'000);
     const struct {
         const char* what;
-        std::string text;
-        std::string pattern;
+        std::string text, pattern;
     } rows[] = {
         {"inside a block", "abc" + needle, needle},
         {"across two blocks", std::string(60, 'a') + needle + "a", needle},

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <zlib.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -20,34 +19,29 @@
 #include <thread>
 #include <vector>
 
+#include "tests/Scratch.h"
+#include "tests/Text.h"
+#include "tests/streams/DeflateData.h"
+
 namespace RynCommon {
 namespace {
 
 namespace fs = std::filesystem;
 
-std::string utf8(const UnicodeString& text) {
-    std::string bytes;
-    text.toUTF8String(bytes);
-    return bytes;
-}
-
 bool exists(const UnicodeString& path) {
-    return fs::exists(fs::symlink_status(utf8(path)));
+    return fs::exists(fs::symlink_status(s(path)));
 }
 
 class TempFileTest : public testing::Test {
 protected:
-    explicit TempFileTest(const std::string& parent = testing::TempDir()) {
-        std::string pattern = parent + "ryn-temp-XXXXXX";
-        directory_ = std::string(mkdtemp(pattern.data())) + "/";
-    }
-    ~TempFileTest() override { fs::remove_all(directory_); }
+    explicit TempFileTest(const std::string& parent = testing::TempDir()) : folder_(parent) {}
 
     RyCStr create(const char* prefix = nullptr, const char* suffix = nullptr) const {
         return RyTempFile::getTempFile(directory_.c_str(), prefix, suffix);
     }
 
-    std::string directory_;
+    const ScratchFolder folder_;
+    const std::string directory_ = folder_.path("");
 };
 
 std::string processPart() {
@@ -130,8 +124,8 @@ void expectError(unsigned short code, const std::string& message, Action action)
         FAIL() << message;
     } catch (const RyError& error) {
         EXPECT_EQ(error.getErrorCode(), code);
-        EXPECT_EQ(utf8(error.getMessage()).substr(0, message.size()), message);
-        EXPECT_EQ(utf8(error.getSource()), "RynCommon::RyTempFile");
+        EXPECT_EQ(s(error.getMessage()).substr(0, message.size()), message);
+        EXPECT_EQ(s(error.getSource()), "RynCommon::RyTempFile");
     }
 }
 
@@ -243,27 +237,9 @@ TEST_F(TempFileTest, ThreadsNeverShareAName) {
     for (const std::string& name : all) EXPECT_TRUE(fs::exists(name)) << name;
 }
 
-/// Raw deflate data, or with another window size a zlib or gzip stream.
-std::vector<unsigned char> deflateBytes(const std::string& text, int windowBits = -15) {
-    z_stream zlib{};
-    deflateInit2(&zlib, 9, Z_DEFLATED, windowBits, 9, Z_DEFAULT_STRATEGY);
-    std::vector<unsigned char> bytes(deflateBound(&zlib, text.size()));
-    std::string input = text;
-    zlib.next_in = reinterpret_cast<unsigned char*>(input.data());
-    zlib.avail_in = static_cast<uInt>(input.size());
-    zlib.next_out = bytes.data();
-    zlib.avail_out = static_cast<uInt>(bytes.size());
-    EXPECT_EQ(deflate(&zlib, Z_FINISH), Z_STREAM_END);
-    bytes.resize(zlib.total_out);
-    deflateEnd(&zlib);
-    return bytes;
-}
-
-std::string makeText(std::size_t size) {
-    std::string text;
-    for (unsigned i = 0; text.size() < size; ++i) text += std::to_string(i * 2654435761u) + " text";
-    text.resize(size);
-    return text;
+std::vector<unsigned char> deflateBytes(const std::string& text) {
+    const std::string bytes = deflateData(text);
+    return {bytes.begin(), bytes.end()};
 }
 
 TEST_F(TempFileTest, InflatesRawData) {
@@ -285,8 +261,8 @@ TEST_F(TempFileTest, InflatesRawData) {
         EXPECT_EQ(back, text) << size;
     }
     const std::string text = makeText(20'000);
-    EXPECT_FALSE(inflate(deflateBytes(text, 15), back));
-    EXPECT_FALSE(inflate(deflateBytes(text, 31), back));
+    const std::string member = deflateData(text, Wrapper::Gzip);
+    EXPECT_FALSE(inflate({member.begin(), member.end()}, back));
     EXPECT_FALSE(RyTempFile::inflate(std::cout, nullptr, 5));
     const std::vector<unsigned char> whole = deflateBytes(text);
     for (std::size_t size = 0; size < whole.size(); size += 1 + size / 100) {

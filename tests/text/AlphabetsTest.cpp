@@ -14,8 +14,7 @@ namespace {
 
 TEST(Alphabets, EveryTokenCountsThroughItsLetters) {
     const struct {
-        const char16_t* token;
-        const char16_t* letters;
+        const char16_t *token, *letters;
         int count;
     } rows[] = {
         {u"a", u"abcdefghijklmnopqrstuvwxyz", 26},
@@ -52,7 +51,7 @@ TEST(Alphabets, EveryTokenCountsThroughItsLetters) {
         ASSERT_EQ(letters.length(), row.count);
         for (int n = 1; n <= 1000; ++n)
             ASSERT_EQ(RyUtil::formatNumber(n, row.token, RyLang()), countNaively(n, letters))
-                << narrow(row.token) << n;
+                << s(row.token) << n;
         EXPECT_EQ(RyUtil::formatNumber(60000, row.token, RyLang()), countNaively(60000, letters));
         // What follows the first character says nothing.
         EXPECT_EQ(format(5, UnicodeString(row.token) + u"11"), format(5, row.token));
@@ -92,8 +91,7 @@ TEST(Alphabets, BasicLatinLettersCountTheLow16Bits) {
 
 TEST(Alphabets, LanguagesHaveTheirOwn) {
     const struct {
-        const char16_t* tag;
-        const char16_t* token;
+        const char16_t *tag, *token;
         int count;
         int n;  // a number that shows the difference
         const char* expected;
@@ -120,14 +118,13 @@ TEST(Alphabets, LanguagesHaveTheirOwn) {
         {u"es", u"ａ", 26, 15, "ｏ"}, {u"", u"a", 26, 15, "o"},
     };
     for (const auto& row : rows) {
-        const auto label = narrow(row.tag) + ' ' + narrow(row.token);
+        const auto label = s(row.tag) + ' ' + s(row.token);
         EXPECT_EQ(format(row.n, row.token, row.tag), row.expected) << label;
         // The letters are all different, and the first comes back, doubled, after the last.
         std::set<std::string> letters;
         for (int n = 1; n <= row.count; ++n) letters.insert(format(n, row.token, row.tag));
         EXPECT_EQ(static_cast<int>(letters.size()), row.count) << label;
-        EXPECT_EQ(format(row.count + 1, row.token, row.tag), narrow(row.token) + narrow(row.token))
-            << label;
+        EXPECT_EQ(format(row.count + 1, row.token, row.tag), s(row.token) + s(row.token)) << label;
     }
 }
 

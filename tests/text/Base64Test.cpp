@@ -10,13 +10,10 @@
 #include <RynCommon/RyUtil.h>
 #include <gtest/gtest.h>
 
+#include "tests/Text.h"
+
 namespace RynCommon {
 namespace {
-
-std::string narrow(const UnicodeString& text) {
-    std::string result;
-    return text.toUTF8String(result);
-}
 
 UnicodeString encode(const std::string& bytes, int sizeHint = 0) {
     std::istringstream in(bytes);
@@ -37,17 +34,14 @@ std::string randomBytes(std::size_t length, std::mt19937& random) {
 }
 
 TEST(Base64, KnownVectors) {
-    const struct {
-        const char* bytes;
-        const char* text;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"", ""},        {"f", "Zg=="},          {"fo", "Zm8="},
         {"foo", "Zm9v"}, {"foob", "Zm9vYg=="},   {"fooba", "Zm9vYmE="},
         {"Ma", "TWE="},  {"foobar", "Zm9vYmFy"}, {"\xFF\xEF\xBE", "/+++"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(narrow(encode(row.bytes)), row.text);
-        EXPECT_EQ(decode(row.text), row.bytes);
+    for (const auto& [bytes, text] : rows) {
+        EXPECT_EQ(s(encode(bytes)), text);
+        EXPECT_EQ(decode(text), bytes);
     }
 }
 
@@ -88,9 +82,9 @@ TEST(Base64, LinesOfSeventySixLetters) {
     for (const std::size_t length : {0U, 1U, 57U, 58U, 114U, 5000U}) {
         const std::string bytes = randomBytes(length, random);
         std::istringstream in(bytes);
-        const std::string text = narrow(RyUtil::encodeBase64(in, 0, u"\r\n", u"  "));
+        const std::string text = s(RyUtil::encodeBase64(in, 0, u"\r\n", u"  "));
         std::string expected;
-        const std::string plain = narrow(encode(bytes));
+        const std::string plain = s(encode(bytes));
         for (std::size_t at = 0; at < plain.size(); at += 76)
             expected += (at == 0 ? "  " : "\r\n  ") + plain.substr(at, 76);
         EXPECT_EQ(text, expected);
@@ -98,8 +92,8 @@ TEST(Base64, LinesOfSeventySixLetters) {
 }
 
 TEST(Base64, AWrongSizeHintDoesNoHarm) {
-    EXPECT_EQ(narrow(encode("foo", -5)), "Zm9v");
-    EXPECT_EQ(narrow(encode("foo", std::numeric_limits<int>::max())), "Zm9v");
+    EXPECT_EQ(s(encode("foo", -5)), "Zm9v");
+    EXPECT_EQ(s(encode("foo", std::numeric_limits<int>::max())), "Zm9v");
 }
 
 /// Gives its bytes one at a time and fails at the end.

@@ -14,9 +14,7 @@ constexpr int INT_FIRST = std::numeric_limits<int>::min();
 TEST(Kansuji, RoundAndUnusualValues) {
     const struct {
         int n;
-        const char* plain;
-        const char* formal;
-        const char* positional;
+        const char *plain, *formal, *positional;
     } rows[] = {
         {0, "〇", "零", "〇"},
         {1, "一", "壱", "一"},
@@ -32,9 +30,9 @@ TEST(Kansuji, RoundAndUnusualValues) {
          "－弐拾壱億四千七百四拾八万参千六百四拾八", "－二一四七四八三六四八"},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(narrow(RyUtil::convertKansuji(row.n)), row.plain);
-        EXPECT_EQ(narrow(RyUtil::convertKansuji(row.n, RYKANSUJI_FORMAL)), row.formal);
-        EXPECT_EQ(narrow(RyUtil::convertKansuji(row.n, RYKANSUJI_POSITIONAL)), row.positional);
+        EXPECT_EQ(s(RyUtil::convertKansuji(row.n)), row.plain);
+        EXPECT_EQ(s(RyUtil::convertKansuji(row.n, RYKANSUJI_FORMAL)), row.formal);
+        EXPECT_EQ(s(RyUtil::convertKansuji(row.n, RYKANSUJI_POSITIONAL)), row.positional);
         // The number as a text is written alike.
         const UnicodeString digits = RyUtil::toString(row.n);
         for (const RyKansujiStyle style :
@@ -96,8 +94,8 @@ TEST(Kansuji, TextsKeepWhatIsNoNumber) {
         {u"\u0661\u00E9\t\U0001F600\xD800", RYKANSUJI_PLAIN, "١é\t😀\xEF\xBF\xBD"},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(narrow(RyUtil::convertKansuji(row.text, row.style, u"、", u"｜")), row.expected)
-            << narrow(row.text);
+        EXPECT_EQ(s(RyUtil::convertKansuji(row.text, row.style, u"、", u"｜")), row.expected)
+            << s(row.text);
 }
 
 TEST(Kansuji, TheCallerChoosesTheSeparators) {

@@ -34,7 +34,7 @@ TEST(NumberFormat, TheTokenStandsBetweenPrefixAndSuffix) {
         {u"0\U0001D7CE1", 5, "005"},           // three characters, four units
     };
     for (const auto& row : rows)
-        EXPECT_EQ(format(row.n, row.format), row.expected) << narrow(row.format);
+        EXPECT_EQ(format(row.n, row.format), row.expected) << s(row.format);
 }
 
 TEST(NumberFormat, EveryDigitFamilyPadsAndWritesItsDigits) {
@@ -44,7 +44,7 @@ TEST(NumberFormat, EveryDigitFamilyPadsAndWritesItsDigits) {
         const auto digits = [one](std::initializer_list<int> values) {
             UnicodeString text;
             for (const int value : values) text.append(static_cast<char16_t>(one - 1 + value));
-            return narrow(text);
+            return s(text);
         };
         UnicodeString padded(static_cast<char16_t>(one - 1));
         padded.append(static_cast<char16_t>(one - 1)).append(one);
@@ -61,8 +61,7 @@ TEST(NumberFormat, EveryDigitFamilyPadsAndWritesItsDigits) {
 TEST(NumberFormat, GroupsAreCountedFromTheRightAndOverThePadding) {
     const struct {
         int n;
-        const char16_t* format;
-        const char16_t* separator;
+        const char16_t *format, *separator;
         int size;
         const char* expected;
     } rows[] = {
@@ -86,10 +85,10 @@ TEST(NumberFormat, GroupsAreCountedFromTheRightAndOverThePadding) {
         {29000, u"a", u",", 1, "apwj"},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(narrow(RyUtil::formatNumber(row.n, row.format, row.separator, row.size, RyLang(),
-                                              RN_EMPTY)),
-                  row.expected)
-            << row.n << ' ' << narrow(row.format) << ' ' << row.size;
+        EXPECT_EQ(
+            s(RyUtil::formatNumber(row.n, row.format, row.separator, row.size, RyLang(), RN_EMPTY)),
+            row.expected)
+            << row.n << ' ' << s(row.format) << ' ' << row.size;
 }
 
 TEST(NumberFormat, NumbersThatNoSystemWritesAreDecimal) {
@@ -97,9 +96,9 @@ TEST(NumberFormat, NumbersThatNoSystemWritesAreDecimal) {
                                   u"Α",  u"а",  u"А",  u"あ", u"い",   u"ア", u"イ", u"ｱ",  u"ｲ",
                                   u"가", u"ㄱ", u"甲", u"子", u"甲子", u"Ａ", u"ａ", u"أ"}) {
         for (const int n : {0, -1, INT_FIRST})
-            EXPECT_EQ(format(n, token), std::to_string(n)) << narrow(token);
+            EXPECT_EQ(format(n, token), std::to_string(n)) << s(token);
         for (const RyNameEnum letterValue : {RN_traditional, RN_alphabetic})
-            EXPECT_EQ(format(-5, token, u"es", letterValue), "-5") << narrow(token);
+            EXPECT_EQ(format(-5, token, u"es", letterValue), "-5") << s(token);
     }
     for (const char16_t* token : {u"一", u"일", u"א"}) EXPECT_EQ(format(-1, token), "-1");
 }
@@ -108,7 +107,7 @@ TEST(NumberFormat, SystemsOfExactTokensTakeNoLongerOnes) {
     EXPECT_EQ(format(12, u"一二"), "12");
     EXPECT_EQ(format(12, u"일이"), "12");
     // Begins with the first stem, and so counts through the stems.
-    EXPECT_EQ(format(12, u"甲子年"), narrow(countNaively(12, u"甲乙丙丁戊己庚辛壬癸")));
+    EXPECT_EQ(format(12, u"甲子年"), s(countNaively(12, u"甲乙丙丁戊己庚辛壬癸")));
 }
 
 TEST(NumberFormat, LongFormatsAreWrittenWhole) {
@@ -134,10 +133,7 @@ TEST(NumberFormat, LongFormatsAreWrittenWhole) {
 }
 
 TEST(NumberFormat, LoneSurrogatesAndUnusualTextsStayAsTheyAre) {
-    const struct {
-        const char16_t* format;
-        const char16_t* expected;
-    } rows[] = {
+    const std::pair<const char16_t*, const char16_t*> rows[] = {
         {u"\xD800", u"\xD800\x33"},
         {u"\xDC00\xD800"
          u"a\xD800",
@@ -149,8 +145,8 @@ TEST(NumberFormat, LoneSurrogatesAndUnusualTextsStayAsTheyAre) {
          u"\xFFFF"
          u"3\xFFFE"},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(RyUtil::formatNumber(3, row.format, RyLang()), row.expected);
+    for (const auto& [format, expected] : rows)
+        EXPECT_EQ(RyUtil::formatNumber(3, format, RyLang()), expected);
     UnicodeString bogus;
     bogus.setToBogus();
     EXPECT_EQ(RyUtil::formatNumber(1234, bogus, bogus, 3, RyLang(), RN_EMPTY), u"1234");

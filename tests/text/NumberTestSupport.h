@@ -6,17 +6,14 @@
 #include <RynCommon/RyLang.h>
 #include <RynCommon/RyUtil.h>
 
-namespace RynCommon {
+#include "tests/Text.h"
 
-inline std::string narrow(const UnicodeString& text) {
-    std::string result;
-    return text.toUTF8String(result);
-}
+namespace RynCommon {
 
 /// formatNumber without grouping, the text as UTF-8.
 inline std::string format(int n, const UnicodeString& picture, const char16_t* tag = u"",
                           RyNameEnum letterValue = RN_EMPTY) {
-    return narrow(RyUtil::formatNumber(n, picture, UnicodeString(), 0, RyLang(tag), letterValue));
+    return s(RyUtil::formatNumber(n, picture, UnicodeString(), 0, RyLang(tag), letterValue));
 }
 
 /// The bijective numeration of base N, digit by digit, as its definition by recursion has it.

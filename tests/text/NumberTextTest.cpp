@@ -14,13 +14,10 @@
 #include <RynCommon/RyUtil.h>
 #include <gtest/gtest.h>
 
+#include "tests/Text.h"
+
 namespace RynCommon {
 namespace {
-
-std::string narrow(const UnicodeString& text) {
-    std::string result;
-    return text.toUTF8String(result);
-}
 
 std::string formatInC(double value) {
     char buffer[64];
@@ -33,25 +30,24 @@ TEST(NumberText, RealsPrintAsInC) {
     const double nan = RyUtil::getNaN();
     for (const double value : {0.0, -0.0, 1.0, 0.5, 100000.0, 999999.5, 1e6, 1e-4, 9.9999e-5, 1e100,
                                1e-300, 5e-324, -INF, INF, nan, std::copysign(nan, -1.0)})
-        EXPECT_EQ(narrow(RyUtil::toString(value)), formatInC(value));
+        EXPECT_EQ(s(RyUtil::toString(value)), formatInC(value));
 
     std::mt19937_64 random(1);
     for (int i = 0; i < 50000; ++i) {
         const std::uint64_t bits = random();
         double value = 0;
         std::memcpy(&value, &bits, sizeof value);
-        ASSERT_EQ(narrow(RyUtil::toString(value)), formatInC(value));
+        ASSERT_EQ(s(RyUtil::toString(value)), formatInC(value));
         const auto fraction = static_cast<float>(static_cast<int>(bits % 2000001) - 1000000);
         const auto typical = static_cast<double>(fraction / 1000.0F);
-        ASSERT_EQ(narrow(RyUtil::toString(typical)), formatInC(typical));
+        ASSERT_EQ(s(RyUtil::toString(typical)), formatInC(typical));
     }
 }
 
 TEST(NumberText, IntegersAtTheEndsOfTheirRange) {
-    EXPECT_EQ(narrow(RyUtil::toString(std::numeric_limits<int>::min())), "-2147483648");
-    EXPECT_EQ(narrow(RyUtil::toString(std::numeric_limits<long long>::min())),
-              "-9223372036854775808");
-    EXPECT_EQ(narrow(RyUtil::toString(0)), "0");
+    EXPECT_EQ(s(RyUtil::toString(std::numeric_limits<int>::min())), "-2147483648");
+    EXPECT_EQ(s(RyUtil::toString(std::numeric_limits<long long>::min())), "-9223372036854775808");
+    EXPECT_EQ(s(RyUtil::toString(0)), "0");
 }
 
 struct Comma : std::numpunct<char> {
@@ -64,8 +60,8 @@ TEST(NumberText, FollowsNoLocale) {
     const std::locale before = std::locale::global(std::locale(std::locale::classic(), new Comma));
     for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8", "de_DE.utf8"})
         if (std::setlocale(LC_ALL, name) != nullptr) break;
-    EXPECT_EQ(narrow(RyUtil::toString(12345.5)), "12345.5");
-    EXPECT_EQ(narrow(RyUtil::toString(1234567)), "1234567");
+    EXPECT_EQ(s(RyUtil::toString(12345.5)), "12345.5");
+    EXPECT_EQ(s(RyUtil::toString(1234567)), "1234567");
     int position = 0;
     double value = 0;
     EXPECT_TRUE(RyUtil::parseNumber(u"1.5", position, value));
@@ -102,9 +98,9 @@ TEST(NumberText, ParseNumberTakesWhatIsANumber) {
         int position = row.start;
         double value = 0;
         const bool found = RyUtil::parseNumber(row.text, position, value);
-        EXPECT_EQ(found, row.end >= 0) << narrow(row.text);
-        EXPECT_EQ(position, found ? row.end : row.start) << narrow(row.text);
-        EXPECT_EQ(value, found ? row.value : 0) << narrow(row.text);
+        EXPECT_EQ(found, row.end >= 0) << s(row.text);
+        EXPECT_EQ(position, found ? row.end : row.start) << s(row.text);
+        EXPECT_EQ(value, found ? row.value : 0) << s(row.text);
     }
 }
 
@@ -125,8 +121,7 @@ TEST(NumberText, ParseNumberRoundsAsC) {
 TEST(NumberText, ParseHexNumKeepsTheLowBits) {
     const struct {
         const char16_t* text;
-        int start;
-        int end;
+        int start, end;
         std::uint32_t value;
     } rows[] = {
         {u"#aBc", 1, 4, 0xABC}, {u"ffg", 0, 2, 0xFF}, {u"123456789A", 0, 10, 0x3456789A},

@@ -29,10 +29,7 @@ TEST(Numerals, TheSexagenaryCyclePairsStemAndBranch) {
 }
 
 TEST(Numerals, Hebrew) {
-    const struct {
-        int n;
-        const char* expected;
-    } rows[] = {
+    const std::pair<int, const char*> rows[] = {
         {0, "אפס"},
         {1, "א"},
         {15, "טו"},
@@ -59,7 +56,7 @@ TEST(Numerals, Hebrew) {
         {2000000000, "אלפיים מיליון"},
         {INT_LAST, "בקמז מיליון תפגתרמז"},
     };
-    for (const auto& row : rows) EXPECT_EQ(format(row.n, u"א"), row.expected) << row.n;
+    for (const auto& [n, expected] : rows) EXPECT_EQ(format(n, u"א"), expected) << n;
     EXPECT_EQ(format(15, u"א"), format(15, u"א", u"he", RN_traditional));
 }
 
@@ -120,7 +117,7 @@ TEST(Numerals, TheLetterValueDecidesBetweenAlphabetAndNumerals) {
     };
     for (const auto& row : rows)
         EXPECT_EQ(format(row.n, row.token, u"", row.letterValue), row.expected)
-            << row.n << narrow(row.token) << row.letterValue;
+            << row.n << s(row.token) << row.letterValue;
 }
 
 }  // namespace

@@ -5,13 +5,10 @@
 #include <RynCommon/RyUtil.h>
 #include <gtest/gtest.h>
 
+#include "tests/Text.h"
+
 namespace RynCommon {
 namespace {
-
-std::string narrow(const UnicodeString& text) {
-    std::string result;
-    return text.toUTF8String(result);
-}
 
 TEST(Quoting, QuoteStringPicksTheQuoteThatTheTextLacks) {
     const struct {
@@ -29,14 +26,13 @@ TEST(Quoting, QuoteStringPicksTheQuoteThatTheTextLacks) {
         {u"a\nb", RYQUOTE_AUTO, "\"a\\00000Ab\""},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(narrow(RyUtil::quoteString(row.text, row.mode)), row.expected);
+        EXPECT_EQ(s(RyUtil::quoteString(row.text, row.mode)), row.expected);
 }
 
 TEST(Quoting, Unquote) {
     const struct {
         const char16_t* text;
-        const char* string;
-        const char* uri;
+        const char *string, *uri;
     } rows[] = {
         {u"\"a b\"", "a b", "a b"},
         {u"'a\"", "'a\"", "'a\""},
@@ -52,10 +48,10 @@ TEST(Quoting, Unquote) {
         {u"'\\01f600'", "\xF0\x9F\x98\x80", "\xF0\x9F\x98\x80"},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(narrow(RyUtil::unquoteString(row.text)), row.string);
-        EXPECT_EQ(narrow(RyUtil::unquoteUri(row.text)), row.uri);
+        EXPECT_EQ(s(RyUtil::unquoteString(row.text)), row.string);
+        EXPECT_EQ(s(RyUtil::unquoteUri(row.text)), row.uri);
     }
-    EXPECT_EQ(narrow(RyUtil::quoteUri(u"a 'b'\\")), "url(\"a \\000027b\\000027\\00005C\")");
+    EXPECT_EQ(s(RyUtil::quoteUri(u"a 'b'\\")), "url(\"a \\000027b\\000027\\00005C\")");
 }
 
 TEST(Quoting, ParseStringReachesToTheMatchingQuote) {
@@ -75,9 +71,9 @@ TEST(Quoting, ParseStringReachesToTheMatchingQuote) {
         int position = row.start;
         UnicodeString value(u"before");
         const bool found = RyUtil::parseString(row.text, position, value, row.mode);
-        EXPECT_EQ(found, row.end >= 0) << narrow(row.text);
-        EXPECT_EQ(position, found ? row.end : row.start) << narrow(row.text);
-        EXPECT_EQ(narrow(value), found ? row.value : "before");
+        EXPECT_EQ(found, row.end >= 0) << s(row.text);
+        EXPECT_EQ(position, found ? row.end : row.start) << s(row.text);
+        EXPECT_EQ(s(value), found ? row.value : "before");
     }
 }
 
@@ -90,14 +86,14 @@ TEST(Quoting, EveryTextIsReadBack) {
             text.append(ALPHABET[random() % (std::size(ALPHABET) - 1)]);
         for (const RyQuoteMode mode : {RYQUOTE_DOUBLE, RYQUOTE_SINGLE, RYQUOTE_AUTO}) {
             const UnicodeString quoted = RyUtil::quoteString(text, mode);
-            ASSERT_EQ(RyUtil::unquoteString(quoted), text) << narrow(quoted);
+            ASSERT_EQ(RyUtil::unquoteString(quoted), text) << s(quoted);
             int position = 0;
             UnicodeString value;
-            ASSERT_TRUE(RyUtil::parseString(quoted, position, value)) << narrow(quoted);
-            ASSERT_EQ(position, quoted.length()) << narrow(quoted);
-            ASSERT_EQ(value, text) << narrow(quoted);
+            ASSERT_TRUE(RyUtil::parseString(quoted, position, value)) << s(quoted);
+            ASSERT_EQ(position, quoted.length()) << s(quoted);
+            ASSERT_EQ(value, text) << s(quoted);
         }
-        ASSERT_EQ(RyUtil::unquoteUri(RyUtil::quoteUri(text)), text) << narrow(text);
+        ASSERT_EQ(RyUtil::unquoteUri(RyUtil::quoteUri(text)), text) << s(text);
     }
 }
 

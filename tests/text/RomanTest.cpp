@@ -29,10 +29,8 @@ UnicodeString convertNaively(int n, const UnicodeString& letters) {
 
 TEST(Roman, EveryNumberInEveryLetters) {
     const struct {
-        const char16_t* token;
-        const char16_t* letters;
-        int last;
-        int precomposed;
+        const char16_t *token, *letters;
+        int last, precomposed;
     } rows[] = {
         {u"i", u"ivxlcdm", 3999, 0},
         {u"I", u"IVXLCDMↁↂ", 39999, 0},

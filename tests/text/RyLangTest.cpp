@@ -7,10 +7,7 @@ namespace RynCommon {
 namespace {
 
 TEST(RyLang, TagsAreReadInCanonicalSpelling) {
-    const struct {
-        const char16_t* text;
-        const char* tag;
-    } rows[] = {
+    const std::pair<const char16_t*, const char*> rows[] = {
         {u"", ""},
         {u"JA", "ja"},
         {u"jpn", "ja"},
@@ -37,11 +34,11 @@ TEST(RyLang, TagsAreReadInCanonicalSpelling) {
         {u" ja", ""},
         {u"12", ""},
     };
-    for (const auto& row : rows) {
-        const RyLang lang(row.text);
-        EXPECT_EQ(narrow(lang.toString()), row.tag) << narrow(row.text);
-        EXPECT_EQ(lang.isEmpty(), lang.toString().isEmpty()) << narrow(row.text);
-        EXPECT_EQ(RyLang(lang.toString()), lang) << narrow(row.text);
+    for (const auto& [text, tag] : rows) {
+        const RyLang lang(text);
+        EXPECT_EQ(s(lang.toString()), tag) << s(text);
+        EXPECT_EQ(lang.isEmpty(), lang.toString().isEmpty()) << s(text);
+        EXPECT_EQ(RyLang(lang.toString()), lang) << s(text);
     }
     const RyLang lang(u"zho-hant-TWN");
     EXPECT_EQ(lang.getLanguage(), u"zh");
@@ -59,7 +56,7 @@ TEST(RyLang, EveryBuiltinNameIsUnderstood) {
     for (int i = 0; i < names.getCount(); ++i) {
         const RyName name = names.getItem(i);
         const RyLang lang(name);
-        const std::string text = narrow(name.toString());
+        const std::string text = s(name.toString());
         EXPECT_FALSE(lang.getLanguage().isEmpty()) << text;
         EXPECT_EQ(lang, RyLang(name.toString())) << text;
         EXPECT_EQ(lang.getCountry().isEmpty(), text.find('-') == std::string::npos) << text;

@@ -15,10 +15,7 @@ namespace {
 TEST(RyUtil, RoundToIntegerGoesAwayFromZeroAndSaturates) {
     constexpr int MIN = std::numeric_limits<int>::min();
     constexpr int MAX = std::numeric_limits<int>::max();
-    const struct {
-        double value;
-        int expected;
-    } rows[] = {
+    const std::pair<double, int> rows[] = {
         {2.5, 3},
         {-2.5, -3},
         {-0.4, 0},
@@ -28,9 +25,8 @@ TEST(RyUtil, RoundToIntegerGoesAwayFromZeroAndSaturates) {
         {-2147483648.4, MIN},
         {RyUtil::getNaN(), 0},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(RyUtil::roundToInteger(row.value), row.expected) << row.value;
-    }
+    for (const auto& [value, expected] : rows)
+        EXPECT_EQ(RyUtil::roundToInteger(value), expected) << value;
     EXPECT_EQ(RyUtil::roundToInteger(8388609.0F), 8388609);
     EXPECT_EQ(RyUtil::roundToInteger(-2.5F), -3);
     EXPECT_EQ(RyUtil::roundToInteger(RyUtil::getNaNf()), 0);

@@ -50,43 +50,20 @@ TEST(ColorParse, BothSyntaxes) {
     };
     for (const auto& row : rows)
         for (const bool full : {false, true})
-            EXPECT_EQ(parse(row.text, full), row.expected) << narrow(row.text) << " " << full;
-    for (const char16_t* text : {u"12foo",
-                                 u"",
-                                 u"'red'",
-                                 u"red blue",
-                                 u"#abc def",
-                                 u"rgb(1,2)",
-                                 u"rgb(1,2,3,4)",
-                                 u"rgb(1 2 3)",
-                                 u"rgb(1,2,3",
-                                 u"rgb(1pt,2,3)",
-                                 u"rgb(1,(,3)",
-                                 u"rgb(a,2,3)",
-                                 u"rgb(1e2,2,3)",
-                                 u"rgb (1,2,3)",
-                                 u"rgb()",
-                                 u"hsl(1,2,3)",
-                                 u"rgb-icc(Spot,1)",
-                                 u"rgb-icc(1,2,3)",
-                                 u"rgb-icc(1,2,3,)",
-                                 u"rgb-icc(1,2,3,Spot,)",
-                                 u"rgb-icc(1,2,3,Spot,1",
-                                 u"rgb-icc(1,2,3,Spot,1) x",
-                                 u"rgb-icc(1,2,3,Spot,1pt)",
-                                 u"rgb-icc(1,2,3,Spot,a)",
-                                 u"rgb-icc(1,2,3,12,1)",
-                                 u"rgb-icc(1,2,3,#CMYK,1,0,0)",
-                                 u"rgb-icc(1,2,3,#CMYK,1,0,0,0,0)",
-                                 u"rgb-icc(1,2,3,#CMYK,#CMYK,1,0,0,0)",
-                                 u"rgb-icc(1,2,3,Spot,1,0,#CMYK,0,0,0,0)",
-                                 u"rgb-icc(1,2,3,Spot,#CMYK,#CMYK,0,0,0,0)",
-                                 u"rgb-icc(1,2,3,#GRAYSCALE,1,0)",
-                                 u"rgb-icc(1,2,3,#SEPARATION,1)",
-                                 u"rgb-icc(1,2,3,#SEPARATION,S,1,0)",
-                                 u"rgb-icc(1,2,3,p,0,0,0,0,0,0,0)"})
+            EXPECT_EQ(parse(row.text, full), row.expected) << s(row.text) << " " << full;
+    for (const UnicodeString& text :
+         split("12foo||'red'|red blue|#abc def|rgb(1,2)|rgb(1,2,3,4)|rgb(1 2 3)|rgb(1,2,3|"
+               "rgb(1pt,2,3)|rgb(1,(,3)|rgb(a,2,3)|rgb(1e2,2,3)|rgb (1,2,3)|rgb()|"
+               "hsl(1,2,3)|rgb-icc(Spot,1)|rgb-icc(1,2,3)|rgb-icc(1,2,3,)|"
+               "rgb-icc(1,2,3,Spot,)|rgb-icc(1,2,3,Spot,1|rgb-icc(1,2,3,Spot,1) x|"
+               "rgb-icc(1,2,3,Spot,1pt)|rgb-icc(1,2,3,Spot,a)|rgb-icc(1,2,3,12,1)|"
+               "rgb-icc(1,2,3,#CMYK,1,0,0)|rgb-icc(1,2,3,#CMYK,1,0,0,0,0)|"
+               "rgb-icc(1,2,3,#CMYK,#CMYK,1,0,0,0)|rgb-icc(1,2,3,Spot,1,0,#CMYK,0,0,0,0)|"
+               "rgb-icc(1,2,3,Spot,#CMYK,#CMYK,0,0,0,0)|rgb-icc(1,2,3,#GRAYSCALE,1,0)|"
+               "rgb-icc(1,2,3,#SEPARATION,1)|rgb-icc(1,2,3,#SEPARATION,S,1,0)|"
+               "rgb-icc(1,2,3,p,0,0,0,0,0,0,0)"))
         for (const bool full : {false, true})
-            EXPECT_EQ(parse(text, full), UNKNOWN) << narrow(text) << " " << full;
+            EXPECT_EQ(parse(text, full), UNKNOWN) << s(text) << " " << full;
 }
 
 TEST(ColorParse, FullSyntax) {
@@ -109,22 +86,21 @@ TEST(ColorParse, FullSyntax) {
         {u"icc-color(#SEPARATION S .5)", "7/24 rgb-icc(128,128,128,S,0.5)"},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(parse(row.text, true), row.expected) << narrow(row.text);
-        EXPECT_EQ(parse(row.text, false), UNKNOWN) << narrow(row.text);
+        EXPECT_EQ(parse(row.text, true), row.expected) << s(row.text);
+        EXPECT_EQ(parse(row.text, false), UNKNOWN) << s(row.text);
     }
-    for (const char16_t* text : {u"icc-color(p,0.1.2)", u"icc-color('p'0 1)", u"icc-color(p 0 ,,1)",
-                                 u"nocolor icc-color(#GRAYSCALE,0)", u"12 icc-color(#GRAYSCALE,0)",
-                                 u"red icc-color (#GRAYSCALE,0)", u"red rgb-icc(#GRAYSCALE,0)",
-                                 u"red icc-color(#GRAYSCALE,0) x", u"red x"})
-        EXPECT_EQ(parse(text, true), UNKNOWN) << narrow(text);
+    for (const UnicodeString& text :
+         split("icc-color(p,0.1.2)|icc-color('p'0 1)|icc-color(p 0 ,,1)|"
+               "nocolor icc-color(#GRAYSCALE,0)|12 icc-color(#GRAYSCALE,0)|"
+               "red icc-color (#GRAYSCALE,0)|red rgb-icc(#GRAYSCALE,0)|"
+               "red icc-color(#GRAYSCALE,0) x|red x"))
+        EXPECT_EQ(parse(text, true), UNKNOWN) << s(text);
 }
 
 TEST(ColorParse, SeparationFlagsTellWhatWasGiven) {
     const struct {
         const char16_t* text;
-        bool rgb;
-        bool tint;
-        bool cmyk;
+        bool rgb, tint, cmyk;
     } rows[] = {
         {u"icc-color(S)", false, false, false},
         {u"icc-color(S,1)", false, true, false},
@@ -138,9 +114,9 @@ TEST(ColorParse, SeparationFlagsTellWhatWasGiven) {
     };
     for (const auto& row : rows) {
         const RyColor color = RyValue::parseColor(row.text, true).getColorValue();
-        EXPECT_EQ(color.hasSeparationRGB(), row.rgb) << narrow(row.text);
-        EXPECT_EQ(color.hasSeparationTint(), row.tint) << narrow(row.text);
-        EXPECT_EQ(color.hasSeparationCMYK(), row.cmyk) << narrow(row.text);
+        EXPECT_EQ(color.hasSeparationRGB(), row.rgb) << s(row.text);
+        EXPECT_EQ(color.hasSeparationTint(), row.tint) << s(row.text);
+        EXPECT_EQ(color.hasSeparationCMYK(), row.cmyk) << s(row.text);
     }
 }
 
@@ -152,7 +128,7 @@ TEST(ColorParse, HostileTexts) {
         UnicodeString text(u"rgb-icc(1,2,3,unheard-of,0");
         for (int i = 0; i < 100'000; ++i) text.append(part);
         EXPECT_EQ(parse(text, true), UNKNOWN);
-        EXPECT_NE(parse(text.tempSubString(26), false), "lost text") << narrow(part);
+        EXPECT_NE(parse(text.tempSubString(26), false), "lost text") << s(part);
     }
     EXPECT_EQ(table->getNameLast(), last);
 }

@@ -67,8 +67,8 @@ TEST(ParseAllocation, CommonValuesTakeNoMemory) {
           u"#ff0000", u"#abc", u"solid", u"xyz-left-top", u"background-position-horizontal",
           u" 12PT\n"}) {
         const UnicodeString text(sample);
-        EXPECT_EQ(countAllocations([&] { RyValue::parse(text); }), 0) << narrow(text);
-        EXPECT_EQ(countAllocations([&] { RyValue::parseColor(text, true); }), 0) << narrow(text);
+        EXPECT_EQ(countAllocations([&] { RyValue::parse(text); }), 0) << s(text);
+        EXPECT_EQ(countAllocations([&] { RyValue::parseColor(text, true); }), 0) << s(text);
         EXPECT_EQ(countAllocations([&] { RyValue::parseNonNumeric(u"auto"); }), 0);
     }
     const UnicodeString list(u"1pt 2.5em\t#abc solid rgb(1,2%,3) 1e3 + ( 12foo ");

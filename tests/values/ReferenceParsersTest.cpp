@@ -18,11 +18,11 @@ std::string show(const RyValue& compound) {
     for (RyNamedValueMapIterator it(compound.getNamedValueMap()); it.hasNext();) {
         const RyNamedValue& entry = it.next();
         std::string text = entry.isCompound()        ? "{" + show(entry) + "}"
-                           : entry.isUnknownString() ? "?" + narrow(entry.toString())
-                           : entry.isLiteralString() ? "'" + narrow(entry.toString()) + "'"
-                           : entry.isUriString()     ? "<" + narrow(entry.toString()) + ">"
-                                                     : narrow(entry.toString());
-        entries[narrow(entry.getName().toString())] = text;
+                           : entry.isUnknownString() ? "?" + s(entry.toString())
+                           : entry.isLiteralString() ? "'" + s(entry.toString()) + "'"
+                           : entry.isUriString()     ? "<" + s(entry.toString()) + ">"
+                                                     : s(entry.toString());
+        entries[s(entry.getName().toString())] = text;
     }
     std::string result;
     for (const auto& [name, text] : entries)
@@ -40,7 +40,7 @@ void expectRows(RyValue (*parser)(const UnicodeString&), const Row (&rows)[COUNT
     for (const Row& row : rows) {
         const RyValue value = parser(row.text);
         ASSERT_TRUE(value.isCompound());
-        EXPECT_EQ(show(value), row.expected) << narrow(row.text);
+        EXPECT_EQ(show(value), row.expected) << s(row.text);
     }
 }
 
@@ -135,7 +135,7 @@ TEST(ReferenceParsers, InternalDestination) {
     };
     for (const auto& row : rows)
         EXPECT_EQ(show(RyValue::parseInternalDestination(row.text, row.offset)), row.expected)
-            << narrow(row.text);
+            << s(row.text);
 }
 
 TEST(ReferenceParsers, XlinkHref) {
@@ -171,7 +171,7 @@ TEST(ReferenceParsers, UriFragmentParameters) {
     };
     for (const auto& row : rows)
         EXPECT_EQ(show(RyValue::parseUriFragmentParameters(row.text, row.decodes)), row.expected)
-            << narrow(row.text);
+            << s(row.text);
 }
 
 TEST(ReferenceParsers, ParametersCannotFillTheNameTable) {

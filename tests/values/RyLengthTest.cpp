@@ -15,30 +15,26 @@ namespace {
 const float NO_NUMBER = std::nanf("");
 
 TEST(RyLength, UnitsBothWays) {
-    const struct {
-        RyValueUnitType unit;
-        double points;
-    } rows[] = {
+    const std::pair<RyValueUnitType, double> rows[] = {
         {RYUNIT_CM, 72 / 2.54}, {RYUNIT_MM, 72 / 25.4},  {RYUNIT_IN, 72},     {RYUNIT_PT, 1},
         {RYUNIT_PC, 12},        {RYUNIT_Q, 72 / 101.6},  {RYUNIT_TWIP, 0.05}, {RYUNIT_NONE, -1},
         {RYUNIT_NUMBER, -1},    {RYUNIT_PERCENTAGE, -1}, {RYUNIT_EM, -1},     {RYUNIT_PX, -1},
         {RYUNIT_JPT, -1},       {RYUNIT_DEG, -1},        {RYUNIT_DPI, -1},
     };
-    for (const auto& row : rows) {
-        const RyLength length(10, row.unit);
-        EXPECT_EQ(length.isAuto(), row.points < 0) << row.unit;
-        EXPECT_EQ(std::isnan(RyLength(10.0F).getRealValue(row.unit)), row.points < 0);
-        if (row.points < 0) continue;
-        EXPECT_FLOAT_EQ(length, static_cast<float>(10 * row.points));
-        EXPECT_FLOAT_EQ(length.getRealValue(row.unit), 10);
+    for (const auto& [unit, points] : rows) {
+        const RyLength length(10, unit);
+        EXPECT_EQ(length.isAuto(), points < 0) << unit;
+        EXPECT_EQ(std::isnan(RyLength(10.0F).getRealValue(unit)), points < 0);
+        if (points < 0) continue;
+        EXPECT_FLOAT_EQ(length, static_cast<float>(10 * points));
+        EXPECT_FLOAT_EQ(length.getRealValue(unit), 10);
     }
 }
 
 TEST(RyLength, PixelsRoundHalvesAwayFromZeroAndSaturate) {
     const struct {
         float points;
-        int dpi;
-        int pixels;
+        int dpi, pixels;
     } rows[] = {
         {3, 96, 4},
         {-3, 96, -4},

@@ -19,7 +19,7 @@ constexpr RyNameEnum MODES[8] = {RN_lr_tb, RN_rl_tb, RN_tb_rl, RN_bt_rl,
                                  RN_lr_bt, RN_rl_bt, RN_tb_lr, RN_bt_lr};
 
 std::string textOf(RyName name) {
-    return narrow(name.toString());
+    return s(name.toString());
 }
 RyName nameOf(const std::string& text) {
     return RyName(UnicodeString::fromUTF8(text));
@@ -100,11 +100,8 @@ TEST(RySide, RotationTurnsAbsoluteSidesCounterClockwise) {
 }
 
 struct Family {
-    const char* prefix;
-    const char* suffix;
-    const char* stem;
-    bool hasRelative;
-    bool hasAbsolute;
+    const char *prefix, *suffix, *stem;
+    bool hasRelative, hasAbsolute;
 };
 
 constexpr Family FAMILIES[] = {
@@ -178,14 +175,6 @@ TEST(RySide, Dimensions) {
         for (const RyNameEnum dimension : {INLINE, BLOCK})
             EXPECT_EQ(RySide::toRelativeName(dimension, mode), dimension);
     }
-}
-
-TEST(RySide, Examples) {
-    EXPECT_EQ(RySide(RN_start).toAbsolute(RN_tb_rl), RySide(RN_top));
-    EXPECT_EQ(RySide(RN_after).toAbsolute(RN_tb_rl), RySide(RN_left));
-    EXPECT_EQ(RySide::toRelativeName(RN_padding_left, RN_rl_tb), RN_padding_end);
-    EXPECT_EQ(RySide::toAbsoluteName(RN_padding_start, RN_lr_tb), RN_padding_left);
-    EXPECT_TRUE(RySide::toRelativeName(RN_margin_left, RN_lr_tb).isEmpty());
 }
 
 }  // namespace

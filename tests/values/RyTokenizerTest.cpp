@@ -17,10 +17,10 @@ UnicodeString wide(const char* text) {
 /// Kind, number and text of the current token.
 std::string describeToken(const RyTokenizer& tokenizer) {
     const int kind = tokenizer.getToken();
-    std::string text = narrow(tokenizer.getText());
+    std::string text = s(tokenizer.getText());
     switch (kind) {
         case RYTOKEN_NUMBER:
-            return narrow(RyValue(tokenizer.getNumber()).toString()) + "(" + text + ")";
+            return s(RyValue(tokenizer.getNumber()).toString()) + "(" + text + ")";
         case RYTOKEN_NAME:
             return text;
         case RYTOKEN_STRING:
@@ -48,10 +48,7 @@ std::string readValues(const UnicodeString& text, Reading reading) {
 }
 
 TEST(RyTokenizer, Tokens) {
-    const struct {
-        UnicodeString text;
-        const char* expected;
-    } rows[] = {
+    const std::pair<UnicodeString, const char*> rows[] = {
         {u"", ""},
         {u"12.5pt 50% 7", " 12.5(pt) 50(%) 7()"},
         {u"12foo-1.x bar", " 12(foo-1.x) bar"},
@@ -69,7 +66,7 @@ TEST(RyTokenizer, Tokens) {
         {u"#123456789 #0000000000000ff", " #4548489 #255"},
         {u"#g # #abz", " <35> g <35> #43707 z"},
     };
-    for (const auto& row : rows) EXPECT_EQ(readTokens(row.text), row.expected) << narrow(row.text);
+    for (const auto& [text, expected] : rows) EXPECT_EQ(readTokens(text), expected) << s(text);
 }
 
 TEST(RyTokenizer, Values) {
@@ -119,7 +116,7 @@ TEST(RyTokenizer, Values) {
         {&RyTokenizer::nextTokenValueFunc, u") a", "1/20 ) | 3/23 a"},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(readValues(row.text, row.reading), row.expected) << narrow(row.text);
+        EXPECT_EQ(readValues(row.text, row.reading), row.expected) << s(row.text);
 }
 
 TEST(RyTokenizer, DoublesKeepTheirPrecision) {
@@ -136,8 +133,7 @@ TEST(RyTokenizer, DoublesKeepTheirPrecision) {
 TEST(RyTokenizer, PushBack) {
     const struct {
         UnicodeString text;
-        Reading first;
-        Reading second;
+        Reading first, second;
         const char* expected;
     } rows[] = {
         {u"12foo x", &RyTokenizer::nextTokenValue, &RyTokenizer::nextTokenValue,
@@ -172,19 +168,19 @@ TEST(RyTokenizer, PushBack) {
         tokenizer.pushBack();
         const RyValue second = (tokenizer.*row.second)();
         EXPECT_EQ(describe(second) + " | " + describe(tokenizer.nextTokenValue()), row.expected)
-            << narrow(row.text);
+            << s(row.text);
     }
 }
 
 TEST(RyTokenizer, PushedBackTokenKeepsItsSuffixUntilItIsRead) {
     RyTokenizer tokenizer(u"12foo bar");
     EXPECT_EQ(tokenizer.nextToken(), RYTOKEN_NUMBER);
-    EXPECT_EQ(narrow(tokenizer.getText()), "foo");
+    EXPECT_EQ(s(tokenizer.getText()), "foo");
     tokenizer.pushBack();
     EXPECT_FALSE(tokenizer.scanSeparator(L' '));
     EXPECT_FALSE(tokenizer.skipSeparator(L'b'));
     EXPECT_EQ(describe(tokenizer.nextTokenValue()), "1/1 12");
-    EXPECT_EQ(narrow(tokenizer.getText()), "");
+    EXPECT_EQ(s(tokenizer.getText()), "");
     EXPECT_EQ(describe(tokenizer.nextTokenValue()), "3/23 foo");
 }
 
@@ -194,7 +190,7 @@ std::string readItems(const UnicodeString& text, wchar_t separator) {
     for (;;) {
         const UnicodeString item = tokenizer.nextSeparatedValue(separator);
         if (tokenizer.getToken() == RYTOKEN_END) break;
-        result += "<" + narrow(item) + ">";
+        result += "<" + s(item) + ">";
         const bool isAhead = tokenizer.scanSeparator(separator);
         const bool isSkipped = tokenizer.skipSeparator(separator);
         EXPECT_EQ(isAhead, isSkipped);
@@ -222,7 +218,7 @@ TEST(RyTokenizer, SeparatedValues) {
         {UnicodeString(u"a\0b", 3), L'\0', "<a>,<b>"},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(readItems(row.text, row.separator), row.expected) << narrow(row.text);
+        EXPECT_EQ(readItems(row.text, row.separator), row.expected) << s(row.text);
 }
 
 TEST(RyTokenizer, SeparatedValuesAndTokensShareThePosition) {
@@ -231,12 +227,12 @@ TEST(RyTokenizer, SeparatedValuesAndTokensShareThePosition) {
     EXPECT_FALSE(tokenizer.skipSeparator(L';'));
     EXPECT_TRUE(tokenizer.scanSeparator(L','));
     EXPECT_TRUE(tokenizer.skipSeparator(L','));
-    EXPECT_EQ(narrow(tokenizer.nextSeparatedValue(L',')), "b c");
+    EXPECT_EQ(s(tokenizer.nextSeparatedValue(L',')), "b c");
     tokenizer.pushBack();
-    EXPECT_EQ(narrow(tokenizer.nextSeparatedValue(L',')), "b c");
+    EXPECT_EQ(s(tokenizer.nextSeparatedValue(L',')), "b c");
     tokenizer.pushBack();
     EXPECT_EQ(describe(tokenizer.nextTokenValue()), "4/21 b c");
-    EXPECT_EQ(narrow(UnicodeString(tokenizer.getPtr())), "12pt");
+    EXPECT_EQ(s(UnicodeString(tokenizer.getPtr())), "12pt");
 }
 
 TEST(RyTokenizer, CopyIsIndependent) {
@@ -252,7 +248,7 @@ TEST(RyTokenizer, CopyIsIndependent) {
         }
     }
     EXPECT_EQ(describe(copy.nextTokenValue()), "3/23 a");
-    EXPECT_EQ(narrow(UnicodeString(copy.getPtr())).substr(0, 5), " text");
+    EXPECT_EQ(s(UnicodeString(copy.getPtr())).substr(0, 5), " text");
     const RyTokenizer other(copy);
     EXPECT_EQ(other.getToken(), RYTOKEN_NAME);
 }

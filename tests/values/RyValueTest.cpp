@@ -31,15 +31,12 @@ const UnicodeString EARLY_TEXT =
 
 TEST(RyValue, WorksInStaticInitialisers) {
     EXPECT_TRUE(NULL_VALUE_IS_EARLY);
-    EXPECT_EQ(narrow(EARLY_TEXT), "50%true");
+    EXPECT_EQ(s(EARLY_TEXT), "50%true");
 }
 
 TEST(RyValue, ConstructorsSetKindUnitAndPayload) {
     const RyPtr<RyNamedValueMap> map(new RyNamedValueMap);
-    const struct {
-        RyValue value;
-        const char* description;
-    } rows[] = {
+    const std::pair<RyValue, const char*> rows[] = {
         {RyValue(), "0/0 "},
         {RyValue(-7), "1/1 -7"},
         {RyValue(0x1'0000'0005L), "1/1 5"},
@@ -62,12 +59,12 @@ TEST(RyValue, ConstructorsSetKindUnitAndPayload) {
         {RyWritingMode(RN_tb), "3/23 tb-rl"},
         {RyOrientation(100), "1/1 90"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(describe(row.value), row.description);
-        EXPECT_EQ(describe(RyValue(row.value)), row.description);
+    for (const auto& [value, description] : rows) {
+        EXPECT_EQ(describe(value), description);
+        EXPECT_EQ(describe(RyValue(value)), description);
         RyValue assigned(u"before");
-        assigned = row.value;
-        EXPECT_EQ(describe(assigned), row.description);
+        assigned = value;
+        EXPECT_EQ(describe(assigned), description);
     }
 }
 
@@ -148,10 +145,7 @@ TEST(RyValue, Predicates) {
 
 TEST(RyValue, IntegerValueRoundsHalvesUpAndSaturates) {
     constexpr float INF = std::numeric_limits<float>::infinity();
-    const struct {
-        RyValue value;
-        int expected;
-    } rows[] = {
+    const std::pair<RyValue, int> rows[] = {
         {2.5, 3},           {-2.5, -2},
         {0.49999997F, 0},   {8388609.0F, 8388609},
         {INF, 2147483647},  {-INF, std::numeric_limits<int>::min()},
@@ -159,8 +153,8 @@ TEST(RyValue, IntegerValueRoundsHalvesUpAndSaturates) {
         {-9, -9},           {u"7", 0},
         {RN_auto, 0},       {RyValue(), 0},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(row.value.getIntegerValue(), row.expected) << describe(row.value);
+    for (const auto& [value, expected] : rows)
+        EXPECT_EQ(value.getIntegerValue(), expected) << describe(value);
 }
 
 TEST(RyValue, AccessOfTextNamesAndObjects) {
@@ -168,13 +162,13 @@ TEST(RyValue, AccessOfTextNamesAndObjects) {
     const RyValue object(new Counted(alive));
     RyValue compound;
     compound.makeCompound();
-    EXPECT_EQ(narrow(RyValue(u"a b").getStringValue()), "a b");
-    EXPECT_EQ(narrow(RyValue(RN_auto).getStringValue()), "auto");
+    EXPECT_EQ(s(RyValue(u"a b").getStringValue()), "a b");
+    EXPECT_EQ(s(RyValue(RN_auto).getStringValue()), "auto");
     EXPECT_TRUE(RyValue(12).getStringValue().isEmpty());
     EXPECT_EQ(RyValue(RN_auto).getNameValue(), RN_auto);
     EXPECT_EQ(RyValue(u"auto").getNameValue(), RN_EMPTY);
     EXPECT_EQ(RyValue(u"auto").toRyName(), RN_auto);
-    EXPECT_EQ(narrow(RyValue(12, RYUNIT_PT).toRyName().toString()), "12pt");
+    EXPECT_EQ(s(RyValue(12, RYUNIT_PT).toRyName().toString()), "12pt");
     EXPECT_TRUE(std::isnan(RyValue(u"12").getRealValue()));
     EXPECT_EQ(object.getRCObject()->getTypeID(), 1U);
     EXPECT_EQ(object.getNamedValueMap(), nullptr);
@@ -250,7 +244,7 @@ TEST(RyValue, AnEntryMayReplaceItsOwnMap) {
     value.setNamedItem(RN_top, u"a text that is long enough to live on the heap");
     RyNamedValueMapIterator entries(value.getNamedValueMap());
     value = entries.next();
-    EXPECT_EQ(narrow(value.toString()), "a text that is long enough to live on the heap");
+    EXPECT_EQ(s(value.toString()), "a text that is long enough to live on the heap");
 }
 
 TEST(RyValue, ANamedValueKeepsItsNameThroughAssignmentAndArithmetic) {

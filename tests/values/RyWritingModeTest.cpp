@@ -14,7 +14,7 @@ namespace RynCommon {
 namespace {
 
 std::string textOf(RyNameEnum name) {
-    return narrow(RyName(name).toString());
+    return s(RyName(name).toString());
 }
 
 TEST(RyOrientation, BringsAnglesToQuarterTurns) {
@@ -109,7 +109,7 @@ TEST(RyWritingMode, FromNames) {
                                        ? RyWritingMode(mode)
                                        : RyWritingMode(mode, RyName(UnicodeString(row.direction)));
         EXPECT_EQ(made.getIndex(), row.index)
-            << narrow(row.mode) << ", " << narrow(UnicodeString(row.direction));
+            << s(row.mode) << ", " << s(UnicodeString(row.direction));
     }
 }
 

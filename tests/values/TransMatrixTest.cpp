@@ -61,8 +61,7 @@ TEST(TransMatrix, ReverseUndoes) {
 
 TEST(TransMatrix, ReverseExact) {
     const struct {
-        TransMatrix matrix;
-        TransMatrix inverse;
+        TransMatrix matrix, inverse;
     } rows[] = {
         {TransMatrix(), TransMatrix()},
         {TransMatrix(2, 0, 0, 4, 10, 20), TransMatrix(0.5F, 0, 0, 0.25F, -5, -5)},

@@ -19,7 +19,7 @@ const char* const TEXTS[32] = {"",   "",   "%",  "em",  "ex",  "px",   "cm",  "m
 
 TEST(Units, Texts) {
     for (unsigned u = 0; u < 32; ++u)
-        EXPECT_EQ(narrow(RyValue::getUnitString(static_cast<RyValueUnitType>(u))), TEXTS[u]) << u;
+        EXPECT_EQ(s(RyValue::getUnitString(static_cast<RyValueUnitType>(u))), TEXTS[u]) << u;
 }
 
 /// Every conversion there is between two different units, as the value of 1.

@@ -1,7 +1,6 @@
 // Arithmetic with values: units, wrapping, and what gives no result.
 #include <cmath>
 #include <limits>
-#include <optional>
 
 #include <RynCommon/RyValue.h>
 #include <gtest/gtest.h>
@@ -36,8 +35,7 @@ TEST(ValueArithmetic, Results) {
     const char* const null = "0/0 ";
     const struct {
         char op;
-        RyValue a;
-        RyValue b;
+        RyValue a, b;
         const char* expected;
     } rows[] = {
         {'+', 1, 2, "1/1 3"},
@@ -95,42 +93,6 @@ TEST(ValueArithmetic, Results) {
     EXPECT_FLOAT_EQ((RyValue(1, RYUNIT_CM) + RyValue(10, RYUNIT_MM)).getRealValue(), 56.692913F);
 }
 
-/// Unit numbers of a product and of a quotient, -1 for none; written down apart from the code, for
-/// canonical units.
-std::optional<int> expectedUnit(char op, int a, int b) {
-    if (a == RYUNIT_PERCENTAGE) a = RYUNIT_NUMBER;
-    if (b == RYUNIT_PERCENTAGE) b = RYUNIT_NUMBER;
-    if (b == RYUNIT_NUMBER) return a;
-    if (op == '*') {
-        if (a == RYUNIT_NUMBER) return b;
-        // A length has dimension 1, an area 2, a volume 3.
-        const auto dimension = [](int u) { return u == 9 ? 1 : u == 30 ? 2 : u == 31 ? 3 : 9; };
-        const int sum = dimension(a) + dimension(b);
-        if (sum > 3) return std::nullopt;
-        return sum == 2 ? RYUNIT_AREA : RYUNIT_VOLUME;
-    }
-    if (a == b) return RYUNIT_NUMBER;
-    if (a == RYUNIT_VOLUME && b == RYUNIT_PT) return RYUNIT_AREA;
-    if ((a == RYUNIT_AREA && b == RYUNIT_PT) || (a == RYUNIT_VOLUME && b == RYUNIT_AREA))
-        return RYUNIT_PT;
-    return std::nullopt;
-}
-
-TEST(ValueArithmetic, UnitsOfProductsAndQuotients) {
-    for (const char op : {'*', '/'})
-        for (int a = 0; a < 32; ++a)
-            for (int b = 0; b < 32; ++b) {
-                RyValue left(6, static_cast<RyValueUnitType>(a));
-                RyValue right(2, static_cast<RyValueUnitType>(b));
-                const RyValue result = compute(op, left, right);
-                left.normalizeUnit();
-                right.normalizeUnit();
-                const auto unit = expectedUnit(op, left.getUnitType(), right.getUnitType());
-                ASSERT_EQ(result.isNull(), !unit) << a << op << b;
-                ASSERT_EQ(result.getUnitType(), unit.value_or(RYUNIT_NONE)) << a << op << b;
-            }
-}
-
 TEST(ValueArithmetic, AValueMayBeItsOwnOperand) {
     RyValue value(3, RYUNIT_IN);
     const RyValue& same = value;
@@ -147,11 +109,7 @@ TEST(ValueArithmetic, AValueMayBeItsOwnOperand) {
 TEST(ValueArithmetic, SignAndRounding) {
     const struct {
         RyValue value;
-        const char* negated;
-        const char* absolute;
-        const char* floor;
-        const char* ceiling;
-        const char* round;
+        const char *negated, *absolute, *floor, *ceiling, *round;
     } rows[] = {
         {-3, "1/1 3", "1/1 3", "1/1 -3", "1/1 -3", "1/1 -3"},
         {MIN, "1/1 -2147483648", "1/1 -2147483648", "1/1 -2147483648", "1/1 -2147483648",

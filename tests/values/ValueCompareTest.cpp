@@ -23,8 +23,7 @@ RyValue makeCompound(int entry, RyValueUnitType unit) {
 TEST(ValueCompare, Pairs) {
     const RyValue compound = makeCompound(1, RYUNIT_NONE);
     const struct {
-        RyValue a;
-        RyValue b;
+        RyValue a, b;
         char relation;  // '<', '=', '>', or '!' for unequal without an order
     } rows[] = {
         {RyValue(), RyValue(), '='},

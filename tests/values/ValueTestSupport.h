@@ -2,25 +2,32 @@
 #pragma once
 
 #include <ostream>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include <RynCommon/RyValue.h>
 
-namespace RynCommon {
+#include "tests/Text.h"
 
-inline std::string narrow(const UnicodeString& text) {
-    std::string result;
-    return text.toUTF8String(result);
-}
+namespace RynCommon {
 
 /// Kind, unit and text, which together show every difference between values without an object.
 inline std::string describe(const RyValue& value) {
     return std::to_string(value.getValueType()) + "/" + std::to_string(value.getUnitType()) + " " +
-           narrow(value.toString());
+           s(value.toString());
 }
 
 inline void PrintTo(const RyValue& value, std::ostream* out) {
     *out << describe(value);
+}
+
+/// Texts that a vertical bar parts.
+inline std::vector<UnicodeString> split(const std::string& texts) {
+    std::vector<UnicodeString> result;
+    std::istringstream in(texts);
+    for (std::string text; std::getline(in, text, '|');) result.push_back(u(text));
+    return result;
 }
 
 inline RyValue makeInteger(int number, RyValueUnitType unit) {

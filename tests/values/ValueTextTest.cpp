@@ -36,10 +36,7 @@ TEST(ValueText, ToString) {
     RyValue nested;
     nested.makeCompound();
     nested.setNamedItem(RyName(), sparse);
-    const struct {
-        RyValue value;
-        const char* expected;
-    } rows[] = {
+    const std::pair<RyValue, const char*> rows[] = {
         {RyValue(), ""},
         {-5, "-5"},
         {1e6, "1e+06"},
@@ -62,16 +59,16 @@ TEST(ValueText, ToString) {
         {onlyNull, "{}"},
         {nested, "{.: {.: 3; a name of this test: x y}}"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(narrow(row.value.toString()), row.expected);
-        EXPECT_EQ(narrow(UnicodeString(row.value)), row.expected);
+    for (const auto& [value, expected] : rows) {
+        EXPECT_EQ(s(value.toString()), expected);
+        EXPECT_EQ(s(UnicodeString(value)), expected);
     }
 }
 
 TEST(ValueText, CompoundEntriesComeInNameOrder) {
     // Whichever of the two names was interned first has the lower number.
     const bool aIsFirst = RyNameEnum(RyName(u"a")) < RyNameEnum(RyName(u"b"));
-    EXPECT_EQ(narrow(makeExample().toString()), aIsFirst ? "{a: 1; b: 2pt}" : "{b: 2pt; a: 1}");
+    EXPECT_EQ(s(makeExample().toString()), aIsFirst ? "{a: 1; b: 2pt}" : "{b: 2pt; a: 1}");
 }
 
 TEST(ValueText, ToValueTextIsWhatParsingReads) {
@@ -79,10 +76,7 @@ TEST(ValueText, ToValueTextIsWhatParsingReads) {
     RyValue compound;
     compound.makeCompound();
     compound.setNamedItem(RN_value, u"x; y");
-    const struct {
-        RyValue value;
-        const char* expected;
-    } rows[] = {
+    const std::pair<RyValue, const char*> rows[] = {
         {u"12pt", "\"12pt\""},
         {u"a name of nobody", "a name of nobody"},
         {u"unheard-of-in-value-texts", "\"unheard-of-in-value-texts\""},
@@ -97,7 +91,7 @@ TEST(ValueText, ToValueTextIsWhatParsingReads) {
         {RN_auto, "auto"},
         {compound, "{value: \"x; y\"}"},
     };
-    for (const auto& row : rows) EXPECT_EQ(narrow(row.value.toValueText()), row.expected);
+    for (const auto& [value, expected] : rows) EXPECT_EQ(s(value.toValueText()), expected);
     EXPECT_EQ(RyNameTable::getSharedNameTable()->getNameLast(), last) << "something was interned";
 }
 

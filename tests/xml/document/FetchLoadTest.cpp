@@ -73,17 +73,14 @@ TEST(FetchLoading, RelativeReferencesStayWithTheirDocument) {
 }
 
 TEST(FetchLoading, DocumentsStandInTheirOwnUri) {
-    const struct {
-        const char* uri;
-        const char* tree;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"data:,<a>x</a>", "a(\"x\")"},
         {"data:text/xml,%3Ca%20b=%22%C3%A9%22/%3E", "a[b=\u00E9]"},
         {"data:text/xml;base64,PGE+PGIvPjwvYT4=", "a(b)"},
         {"data:,<!DOCTYPE a [<!ENTITY e SYSTEM 'data:,<b/>'>]><a>&e;</a>", "a(b)"},
     };
-    for (const auto& row : rows) {
-        for (const bool pull : {false, true}) EXPECT_EQ(load(row.uri, pull), row.tree) << row.uri;
+    for (const auto& [uri, tree] : rows) {
+        for (const bool pull : {false, true}) EXPECT_EQ(load(uri, pull), tree) << uri;
     }
 }
 

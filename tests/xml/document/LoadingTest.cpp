@@ -11,10 +11,7 @@ using namespace treetest;
 using RynCommon::RyXmlParser;
 
 TEST(RyDocumentLoading, TextsGiveTheTreesExpected) {
-    const struct {
-        const char* xml;
-        const char* expected;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"<a/>", "a"},
         {"\uFEFF<a/>", "a"},
         {"<?xml version='1.0' encoding='Shift_JIS'?><a>\u65E5</a>", "a(\"\u65E5\")"},
@@ -23,18 +20,18 @@ TEST(RyDocumentLoading, TextsGiveTheTreesExpected) {
         {"<p:a xmlns:p='u' p:b=''><p:c/></p:a>", "p:a[xmlns:p=u,p:b=](p:c)"},
         {"<a>\n <b/>\n</a>\n", "a(\"\n \",b,\"\n\")"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [xml, expected] : rows) {
         for (const bool pull : {false, true}) {
             const RyPtr<RyDocument> document = new RyDocument;
             document->setPullMode(pull);
-            document->loadXml(units(row.xml));
+            document->loadXml(units(xml));
             EXPECT_EQ(document->getLastLoadingNode(), pull ? document.get() : nullptr);
             while (document->loadNextNode() != nullptr) EXPECT_TRUE(pull);
-            EXPECT_EQ(dump(document), row.expected) << row.xml;
+            EXPECT_EQ(dump(document), expected) << xml;
             EXPECT_EQ(brokenLinks(*document), "");
             EXPECT_EQ(document->getLastLoadingNode(), nullptr);
             for (RyNode* node = document; node != nullptr; node = node->getFirstChild())
-                EXPECT_EQ(node->isLoaded(), node->getNodeType() != RyNode::TEXT_NODE) << row.xml;
+                EXPECT_EQ(node->isLoaded(), node->getNodeType() != RyNode::TEXT_NODE) << xml;
             EXPECT_EQ(document->getRefCount(), 1);
             EXPECT_EQ(document->getDocumentElement()->getRefCount(), 1);
         }
@@ -161,8 +158,7 @@ TEST(RyDocumentLoading, EventsOutOfOrder) {
     constexpr auto S = RyXmlParser::START_TAG, E = RyXmlParser::END_TAG, T = RyXmlParser::TEXT;
     const struct {
         std::vector<RyXmlParser::EventType> events;
-        const char* expected;
-        const char* error;
+        const char *expected, *error;
     } rows[] = {
         {{S, T, S, E, E}, "e1(\"t\",e2)", "none"},
         {{S, E, E, S, E}, "e1", "none"},
@@ -237,10 +233,7 @@ public:
 };
 
 TEST(RyDocumentLoading, OverridesDecideWhereNodesGo) {
-    const struct {
-        const char* xml;
-        const char* expected;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"<r><drop><a/>x<drop/></drop><b/></r>", "r(b)"},
         {"<r><a/><drop/><drop>x</drop></r>", "r(a)"},
         {"<r><none><a/></none>x</r>", "r(\"x\")"},
@@ -249,14 +242,14 @@ TEST(RyDocumentLoading, OverridesDecideWhereNodesGo) {
         {"<r><a nested=''/>x</r>", "r(a[nested=],\"x\")"},
         {"<r><a/><b stop=''>x</b><c/></r>", "r(a,b[stop=])"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [xml, expected] : rows) {
         for (const bool pull : {false, true}) {
             const RyPtr<RyDocument> document = new PickyDocument;
             document->setPullMode(pull);
-            document->loadXml(units(row.xml));
+            document->loadXml(units(xml));
             const int count = document->getDescendantNodes()->getLength();
-            EXPECT_EQ(dump(document), row.expected) << row.xml << " pull " << pull;
-            EXPECT_EQ(count, document->getDescendantNodes()->getLength()) << row.xml;
+            EXPECT_EQ(dump(document), expected) << xml << " pull " << pull;
+            EXPECT_EQ(count, document->getDescendantNodes()->getLength()) << xml;
             EXPECT_EQ(document->getLastLoadingNode(), nullptr);
         }
     }

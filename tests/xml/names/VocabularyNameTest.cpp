@@ -76,13 +76,5 @@ TYPED_TEST(VocabularyNameTest, OutsideOfTheVocabulary) {
         EXPECT_TRUE(Name(value).isEmpty());
 }
 
-TEST(VocabularyNameTest, ConstantsNameTheirTexts) {
-    EXPECT_EQ(MathMLName(RyName(UnicodeString(u"annotation-xml"))), MATHML_annotation_xml);
-    EXPECT_EQ(MathMLName(RyName(UnicodeString(u"xlink:href"))), MATHML_xlink_href);
-    EXPECT_EQ(SVGName(RyName(UnicodeString(u"linearGradient"))), SVG_linearGradient);
-    EXPECT_EQ(SVGName(RyName(UnicodeString(u"font-face"))), SVG_font_face);
-    EXPECT_NE(SVGName(SVG_font_face), SVG_linearGradient);
-}
-
 }  // namespace
 }  // namespace RynCommon

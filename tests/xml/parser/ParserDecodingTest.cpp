@@ -16,8 +16,7 @@ TEST(ParserDecoding, TruncatedUtf8NeverHidesWhatFollows) {
         int length;
     } leads[] = {{"\xC3", 2}, {"\xDF", 2}, {"\xE3", 3}, {"\xEF", 3}, {"\xF0", 4}, {"\xF4", 4}};
     const struct {
-        const char* bytes;
-        const char* shown;
+        const char *bytes, *shown;
     } followers[] = {{"x", "x"},
                      {"&amp;", "&"},
                      {"\xC3\xA9", "\\u{E9}"},
@@ -49,8 +48,7 @@ TEST(ParserDecoding, Utf8ThatIsNoCharacter) {
     const std::string f = "\\u{FFFD}";
     const struct {
         const char* what;
-        std::string bytes;
-        std::string shown;
+        std::string bytes, shown;
     } rows[] = {
         {"stray continuations", "\x80\xBF", f + f},
         {"leads of five and six bytes", "\xF8\x88\x80\x80\x80", f + f + f + f + f},
@@ -125,10 +123,7 @@ TEST(ParserDecoding, RealFFFFIsAnErrorAndDropped) {
 }
 
 TEST(ParserDecoding, LineEndsBecomeLf) {
-    const struct {
-        std::u32string content;
-        std::string shown;
-    } rows[] = {
+    const std::pair<std::u32string, std::string> rows[] = {
         {U"1\r2", "1\\n2"},
         {U"1\r\n2", "1\\n2"},
         {U"1\n2", "1\\n2"},
@@ -152,10 +147,10 @@ TEST(ParserDecoding, LineEndsBecomeLf) {
         {U"<![CDATA[\r\n]]>\r", "\\n\\n"},
         {U"\u2029\u000B", "\\u{2029}\\u{B}"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [content, shown] : rows) {
         for (const char* encoding : {"UTF-8", "UTF-16LE", "UTF-16BE", "UTF-32LE"}) {
-            expectInAllChunks(row.shown + " " + encoding, inRoot(encoding, row.content), {},
-                              "S(a) T(" + row.shown + ") E(a) .");
+            expectInAllChunks(shown + " " + encoding, inRoot(encoding, content), {},
+                              "S(a) T(" + shown + ") E(a) .");
         }
     }
     expectInAllChunks("one byte a character",

@@ -14,10 +14,7 @@ std::u32string wide(const std::string& ascii) {
 }
 
 struct EncodingRow {
-    std::string what;
-    std::string bytes;
-    std::string given;
-    std::string summary;
+    std::string what, bytes, given, summary;
     std::string encoding;  // "*" where it does not matter
 };
 
@@ -43,9 +40,7 @@ const std::string SAMPLE_EVENTS = "S(a x=\\u{E9}) T(\\u{4E2D}\\u{1F600}) E(a) ."
 TEST(ParserEncoding, FirstBytesTell) {
     std::vector<EncodingRow> rows;
     const struct {
-        const char* encoding;
-        const char* marked;
-        const char* plain;
+        const char *encoding, *marked, *plain;
     } kinds[] = {{"UTF-8", "UTF-8", "UTF-8"},
                  {"UTF-16LE", "UTF-16", "UTF-16LE"},
                  {"UTF-16BE", "UTF-16", "UTF-16BE"},
@@ -179,9 +174,7 @@ TEST(ParserEncoding, GivenEncodings) {
 
 TEST(ParserEncoding, ConvertersReadNationalEncodings) {
     const struct {
-        const char* name;
-        const char* bytes;
-        const char* text;
+        const char *name, *bytes, *text;
     } rows[] = {
         {"cp932", "\x93\xFA\x96\x7B\x8C\xEA", "\\u{65E5}\\u{672C}\\u{8A9E}"},
         {"Shift_JIS", "\x83\x5C\x95\x5C\xB1", "\\u{30BD}\\u{8868}\\u{FF71}"},

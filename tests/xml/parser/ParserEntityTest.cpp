@@ -10,10 +10,7 @@ std::string withSubset(const std::string& subset, const std::string& root) {
 }
 
 TEST(ParserEntity, CharacterReferences) {
-    const struct {
-        const char* reference;
-        const char* text;  // null for error 6195
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"&#9;&#10;&#13;&#32;", "\\t\\n\\r "},
         {"&#xD7FF;", "\\u{D7FF}"},
         {"&#xE000;", "\\u{E000}"},
@@ -22,34 +19,20 @@ TEST(ParserEntity, CharacterReferences) {
         {"&#x10FFFF;&#x10ffff;&#1114111;", "\\u{10FFFF}\\u{10FFFF}\\u{10FFFF}"},
         {"&#x00000000000000000041;&#000000000000065;", "AA"},
         {"&#x85;&#x2028;", "\\u{85}\\u{2028}"},
-        {"&#0;", nullptr},
-        {"&#8;", nullptr},
-        {"&#11;", nullptr},
-        {"&#12;", nullptr},
-        {"&#x1F;", nullptr},
-        {"&#xD800;", nullptr},
-        {"&#xDFFF;", nullptr},
-        {"&#xFFFE;", nullptr},
-        {"&#xFFFF;", nullptr},
-        {"&#1114112;", nullptr},
-        {"&#4294967361;", nullptr},  // 2^32 + 65
-        {"&#x100000041;", nullptr},
-        {"&#18446744073709551681;", nullptr},  // 2^64 + 65
-        {"&#x10000000000000041;", nullptr},
     };
-    for (const auto& row : rows) {
-        const std::string reference = row.reference;
-        if (row.text != nullptr) {
-            expectRows({{"<a>" + reference + "</a>", "S(a) T("s + row.text + ") E(a) ."},
-                        {"<a x='" + reference + "'/>", "S(a x="s + row.text + ") E(a) ."}});
-            continue;
-        }
-        for (const std::string& input :
-             {"<a>" + reference + "</a>", "<a x='" + reference + "'/>"}) {
+    for (const auto& [reference, text] : rows)
+        expectRows({{"<a>"s + reference + "</a>", "S(a) T("s + text + ") E(a) ."},
+                    {"<a x='"s + reference + "'/>", "S(a x="s + text + ") E(a) ."}});
+    // The last four are 65 above 2^32 and 2^64.
+    for (const std::string refused :
+         {"&#0;", "&#8;", "&#11;", "&#12;", "&#x1F;", "&#xD800;", "&#xDFFF;", "&#xFFFE;",
+          "&#xFFFF;", "&#1114112;", "&#4294967361;", "&#x100000041;", "&#18446744073709551681;",
+          "&#x10000000000000041;"}) {
+        for (const std::string& input : {"<a>" + refused + "</a>", "<a x='" + refused + "'/>"}) {
             const Outcome outcome = run(input);
             EXPECT_EQ(outcome.code, 6195) << input;
-            EXPECT_EQ(outcome.message.substr(0, outcome.message.find('\n')),
-                      "Invalid unicode character: " + reference);
+            EXPECT_TRUE(outcome.message.starts_with("Invalid unicode character: " + refused + "\n"))
+                << outcome.message;
         }
     }
     const std::string digits = repeat("9", 100000);
@@ -226,12 +209,6 @@ TEST(ParserEntity, MathMLCharacters) {
     expectRows({{"<a>&alpha;&lt;&nvlt;</a>", "S(a) T(\\u{3B1}<<\\u{20D2}) E(a) ."}},
                {.prepare = [](RyXmlParser& parser) { parser.addMathMLEntityMap(); }});
     expectRows({{"<a>&alpha;</a>", "S(a) !6174"}});
-    const auto entity = [](const char* name) {
-        return shown(RyXmlParser::getMathMLEntity(fromUtf8(name)));
-    };
-    EXPECT_EQ(entity("block") + entity("zeetrf") + entity("lt") + entity("nvlt"),
-              "\\u{2588}\\u{2128}<<\\u{20D2}");
-    EXPECT_EQ(entity("") + entity("nosuch") + entity("Block"), "");
 }
 
 }  // namespace

@@ -8,12 +8,6 @@ using namespace xmltest;
 
 namespace {
 
-RyPtr<RyXmlParser> parserOf(std::istream& in) {
-    RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
-    parser->setInput(in, UnicodeString(), UnicodeString());
-    return parser;
-}
-
 TEST(ParserEvents, NextMergesCharacterDataAndPassesOverTheRest) {
     expectRows({
         {"<a/>", "S(a) E(a) ."},
@@ -87,18 +81,16 @@ TEST(ParserEvents, TokensComeAsTheyAreWritten) {
 }
 
 TEST(ParserEvents, DepthAndNamesFollowTheElements) {
-    std::istringstream in("<a><p:b xmlns:p='u'>x<c/></p:b></a>");
-    const RyPtr<RyXmlParser> parser = parserOf(in);
+    Opened<std::stringbuf> parser("<a><p:b xmlns:p='u'>x<c/></p:b></a>");
     EXPECT_EQ(parser->getEventType(), RyXmlParser::START_DOCUMENT);
     EXPECT_EQ(parser->getDepth(), 0);
     std::string seen;
     while (parser->next() != RyXmlParser::END_DOCUMENT) {
         seen += std::to_string(parser->getEventType()) + ":" + std::to_string(parser->getDepth());
-        if (parser->getEventType() != RyXmlParser::TEXT) {
+        if (parser->getEventType() != RyXmlParser::TEXT)
             seen += toUtf8(parser->getPrefix().toString()) + "," +
                     toUtf8(parser->getName().toString()) + "," +
                     toUtf8(parser->getNamespace().toString());
-        }
         seen += " ";
     }
     EXPECT_EQ(seen, "2:1,a, 2:2p,b,u 4:2 2:3,c, 3:3,c, 3:2p,b,u 3:1,a, ");
@@ -107,8 +99,7 @@ TEST(ParserEvents, DepthAndNamesFollowTheElements) {
 
 TEST(ParserEvents, EndRepeats) {
     for (const bool tokens : {false, true}) {
-        std::istringstream in("<a/>");
-        const RyPtr<RyXmlParser> parser = parserOf(in);
+        Opened<std::stringbuf> parser("<a/>");
         while (parser->next() != RyXmlParser::END_DOCUMENT) continue;
         for (int i = 0; i < 3; ++i) {
             EXPECT_EQ(tokens ? parser->nextToken() : parser->next(), RyXmlParser::END_DOCUMENT);
@@ -131,8 +122,7 @@ TEST(ParserEvents, WhiteSpaceAndEmptyTagsAreAskedOnlyWhereTheyMeanSomething) {
         {"<!--c--><?p ?><!DOCTYPE a><a/>", "-- -- -- -1 -- --"},
     };
     for (const auto& row : rows) {
-        std::istringstream in(row.input);
-        const RyPtr<RyXmlParser> parser = parserOf(in);
+        Opened<std::stringbuf> parser(row.input);
         std::string seen;
         do {
             parser->nextToken();
@@ -151,8 +141,7 @@ TEST(ParserEvents, WhiteSpaceAndEmptyTagsAreAskedOnlyWhereTheyMeanSomething) {
 }
 
 TEST(ParserEvents, MisuseNamesItsPlace) {
-    std::istringstream in("<a x='1'>t</a>");
-    const RyPtr<RyXmlParser> parser = parserOf(in);
+    Opened<std::stringbuf> parser("<a x='1'>t</a>");
     const auto expectMisuse = [&](const char* place, int code, const std::function<void()>& call) {
         const RyError error = errorOf(call);
         EXPECT_EQ(error.getErrorCode(), code) << place;
@@ -177,13 +166,10 @@ TEST(ParserEvents, MisuseNamesItsPlace) {
 }
 
 TEST(ParserEvents, AttributesAreFoundByNamespaceAndName) {
-    std::istringstream in("<a x='1' p:x='2' xmlns:p='u' xml:lang='de'/>");
-    const RyPtr<RyXmlParser> parser = parserOf(in);
+    Opened<std::stringbuf> parser("<a x='1' p:x='2' xmlns:p='u' xml:lang='de'/>");
     parser->next();
     const struct {
-        const char* ns;
-        const char* name;
-        const char* value;
+        const char *ns, *name, *value;
     } rows[] = {
         {"", "x", "1"},
         {"u", "x", "2"},
@@ -193,12 +179,11 @@ TEST(ParserEvents, AttributesAreFoundByNamespaceAndName) {
         {"v", "x", ""},
         {"", "p:x", ""},
     };
-    for (const auto& row : rows) {
+    for (const auto& row : rows)
         EXPECT_EQ(
             toUtf8(parser->getAttributeValue(RyName(fromUtf8(row.ns)), RyName(fromUtf8(row.name)))),
             row.value)
             << row.ns << " " << row.name;
-    }
 }
 
 TEST(ParserEvents, InputIsCheckedAtTheFirstEvent) {

@@ -24,15 +24,11 @@ TEST(ParserExternal, EntitiesAreReadThroughTheResolver) {
     resources.files[BASE + "nest.xml"] = "[&in;&plain;<c y='&in;'/>]";
     resources.files[BASE + "empty.xml"] = "";
     std::string subset = "<!ENTITY in 'i'>";
-    for (const char* name : {"latin", "plain", "wide", "unmarked", "japan", "nest", "empty"}) {
+    for (const char* name : {"latin", "plain", "wide", "unmarked", "japan", "nest", "empty"})
         subset += "<!ENTITY "s + name + " SYSTEM '" + name + ".xml'>";
-    }
     subset += "<!ENTITY pub PUBLIC 'p' '" + BASE + "plain.xml'>";
     subset += "<!ENTITY both '(&latin;&plain;)'>";
-    const struct {
-        const char* content;
-        const char* expected;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"x&latin;y\xC3\xA9", "T(x\\u{E9}) S(b) E(b) T(\\u{E9}y\\u{E9})"},
         {"x&plain;y", "T(x\\n\\u{E9}y)"},
         {"x&wide;y\xC3\xA9", "T(x) S(b) T(\\u{4E2D}) E(b) T(y\\u{E9})"},
@@ -44,9 +40,9 @@ TEST(ParserExternal, EntitiesAreReadThroughTheResolver) {
         {"&plain;&plain;", "T(\\n\\u{E9}\\n\\u{E9})"},
         {"x&empty;y", "T(xy)"},
     };
-    for (const auto& row : rows) {
-        expectInAllChunks(row.content, withSubset(subset, "<a>"s + row.content + "</a>"),
-                          {.base = BASE}, "S(a) "s + row.expected + " E(a) .");
+    for (const auto& [content, expected] : rows) {
+        expectInAllChunks(content, withSubset(subset, "<a>"s + content + "</a>"), {.base = BASE},
+                          "S(a) "s + expected + " E(a) .");
     }
     const Outcome outcome = run(withSubset(subset, "<a>\n&wide;&nest;</b>"), {.base = BASE});
     EXPECT_EQ(outcome.encoding, "UTF-8");

@@ -170,12 +170,11 @@ std::string shownName(RyName ns, RyName prefix, RyName local, bool namespaces) {
 std::string dumpTag(RyXmlParser& parser, bool namespaces) {
     std::string result =
         shownName(parser.getNamespace(), parser.getPrefix(), parser.getName(), namespaces);
-    for (int i = 0; i < parser.getAttributeCount(); ++i) {
+    for (int i = 0; i < parser.getAttributeCount(); ++i)
         result += " " +
                   shownName(parser.getAttributeNamespace(i), parser.getAttributePrefix(i),
                             parser.getAttributeName(i), namespaces) +
                   "=" + shown(parser.getAttributeValue(i));
-    }
     return result;
 }
 
@@ -236,9 +235,8 @@ void pullAll(RyXmlParser& parser, const Reading& how, Outcome& outcome) {
 }
 
 void runParser(RyXmlParser& parser, std::istream& in, const Reading& how, Outcome& outcome) {
-    for (int i = 0; i < 6; ++i) {
+    for (int i = 0; i < 6; ++i)
         parser.setFeature(static_cast<RyXmlParser::Feature>(i), ((how.features >> i) & 1) != 0);
-    }
     if (how.limits) parser.setLimits(*how.limits);
     if (how.callback) parser.setCallbackError(&recordError, &outcome);
     try {

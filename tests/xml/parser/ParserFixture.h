@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <istream>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -96,6 +97,21 @@ private:
     std::size_t calls_ = 0;
     std::size_t single_ = 0;
     bool greedy_ = false;
+};
+
+/// A parser at the start of what a buffer has.
+template <class Buffer>
+struct Opened {
+    template <class... Args>
+    explicit Opened(Args&&... args) : buffer(std::forward<Args>(args)...) {
+        parser->setInput(in, UnicodeString(), UnicodeString());
+    }
+    RyXmlParser* operator->() { return parser.get(); }
+    RyXmlParser& operator*() { return *parser; }
+
+    Buffer buffer;
+    std::istream in{&buffer};
+    RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
 };
 
 /// Resources by URI, installed as the process's resolver while it lives.

@@ -1,6 +1,9 @@
 // Documents made to hurt: every one of them ends, in an error or at the end of the document.
 #include <RynCommon/RyNameTable.h>
 
+#include <set>
+#include <sstream>
+
 #include "ParserFixture.h"
 
 using namespace xmltest;
@@ -53,9 +56,8 @@ TEST(ParserHostile, SampleIsSound) {
 }
 
 TEST(ParserHostile, EveryTruncationEnds) {
-    for (std::size_t length = 0; length < sample().size(); ++length) {
+    for (std::size_t length = 0; length < sample().size(); ++length)
         expectEnds("cut at " + std::to_string(length), sample().substr(0, length));
-    }
 }
 
 TEST(ParserHostile, EveryDamagedByteEnds) {
@@ -76,86 +78,18 @@ TEST(ParserHostile, EveryDamagedByteEnds) {
 }
 
 TEST(ParserHostile, EveryStartOfMarkupEnds) {
-    const std::vector<std::string> starts = {"<",
-                                             "<?",
-                                             "<!",
-                                             "</",
-                                             "&",
-                                             "<!-",
-                                             "<!--",
-                                             "<!---",
-                                             "<!--x--",
-                                             "<![",
-                                             "<![CDATA",
-                                             "<![CDATA[",
-                                             "<![CDATA[]",
-                                             "<![CDATA[]]",
-                                             "<b",
-                                             "<b ",
-                                             "<b c",
-                                             "<b c=",
-                                             "<b c='",
-                                             "<b c='&",
-                                             "<b c='&#",
-                                             "<b c='1'",
-                                             "<b/",
-                                             "<p:",
-                                             "<:",
-                                             "<b p:",
-                                             "</a",
-                                             "</a ",
-                                             "</p:",
-                                             "&#",
-                                             "&#x",
-                                             "&#x4",
-                                             "&e",
-                                             "<?p",
-                                             "<?p ",
-                                             "<?p ?",
-                                             "<?xml",
-                                             "<?xml ",
-                                             "<?xml version",
-                                             "<?xml version=",
-                                             "<?xml version='1.0'",
-                                             "<?xml version='1.0'?",
-                                             "<!D",
-                                             "<!DOCTYPE",
-                                             "<!DOCTYPE ",
-                                             "<!DOCTYPE a",
-                                             "<!DOCTYPE a ",
-                                             "<!DOCTYPE a SYSTEM",
-                                             "<!DOCTYPE a SYSTEM '",
-                                             "<!DOCTYPE a PUBLIC 'p'",
-                                             "<!DOCTYPE a [",
-                                             "<!DOCTYPE a [<",
-                                             "<!DOCTYPE a [<!",
-                                             "<!DOCTYPE a [<!-",
-                                             "<!DOCTYPE a [<!--",
-                                             "<!DOCTYPE a [<?p",
-                                             "<!DOCTYPE a [%",
-                                             "<!DOCTYPE a [%p",
-                                             "<!DOCTYPE a [<!ENTITY",
-                                             "<!DOCTYPE a [<!ENTITY %",
-                                             "<!DOCTYPE a [<!ENTITY e",
-                                             "<!DOCTYPE a [<!ENTITY e '",
-                                             "<!DOCTYPE a [<!ENTITY e 'v'",
-                                             "<!DOCTYPE a [<!ENTITY e SYSTEM",
-                                             "<!DOCTYPE a [<!ENTITY e SYSTEM 's' NDATA",
-                                             "<!DOCTYPE a [<![",
-                                             "<!DOCTYPE a [<![IGNORE",
-                                             "<!DOCTYPE a [<![IGNORE[",
-                                             "<!DOCTYPE a [<![IGNORE[<![",
-                                             "<!DOCTYPE a [<![INCLUDE[",
-                                             "<!DOCTYPE a [<!ATTLIST",
-                                             "<!DOCTYPE a [<!ATTLIST a",
-                                             "<!DOCTYPE a [<!ATTLIST a b",
-                                             "<!DOCTYPE a [<!ATTLIST a b (",
-                                             "<!DOCTYPE a [<!ATTLIST a b CDATA",
-                                             "<!DOCTYPE a [<!ATTLIST a b CDATA '",
-                                             "<!DOCTYPE a [<!ELEMENT",
-                                             "<!DOCTYPE a [<!ELEMENT a (\"",
-                                             "<!DOCTYPE a [<!NOTATION 'x",
-                                             "<!DOCTYPE a []"};
+    std::istringstream longest(
+        "<!--x--~<!---~<![CDATA[]]~<b c='&#~<b c='1'~<b/~<b p:~<p:~<:~</a ~</p:~&#x4~"
+        "&e~<?p ?~<?xml version='1.0'?~<!DOCTYPE a SYSTEM '~<!DOCTYPE a PUBLIC 'p'~"
+        "<!DOCTYPE a []~<!DOCTYPE a [<!--~<!DOCTYPE a [<?p~<!DOCTYPE a [%p~"
+        "<!DOCTYPE a [<!ENTITY %~<!DOCTYPE a [<!ENTITY e 'v'~"
+        "<!DOCTYPE a [<!ENTITY e SYSTEM 's' NDATA~<!DOCTYPE a [<![IGNORE[<![~"
+        "<!DOCTYPE a [<![INCLUDE[~<!DOCTYPE a [<!ATTLIST a b (~"
+        "<!DOCTYPE a [<!ATTLIST a b CDATA '~<!DOCTYPE a [<!ELEMENT a (\"~"
+        "<!DOCTYPE a [<!NOTATION 'x");
+    std::set<std::string> starts;  // and all that these begin with
+    for (std::string text; std::getline(longest, text, '~');)
+        for (; !text.empty(); text.pop_back()) starts.insert(text);
     for (const std::string& start : starts) {
         for (const std::string& before : {""s, "<a>"s, "<a/>"s}) {
             expectEnds(before + start, before + start);
@@ -163,17 +97,6 @@ TEST(ParserHostile, EveryStartOfMarkupEnds) {
             expectEnds(before + start + "<a>", before + start + "<a>");
             expectEnds(before + start + " repeated", before + repeat(start, 50));
         }
-    }
-}
-
-TEST(ParserHostile, MegabytesWithoutAnEnd) {
-    const std::string filler = repeat("x", 2'000'000);
-    for (const std::string start :
-         {"<!--", "<a><![CDATA[", "<?p ", "<a b='", "<a>", "<a>&", "<", "<a ", "</", "<a>&#", "<?",
-          "<!", "<!DOCTYPE ", "<!DOCTYPE a [<!ENTITY e '", "<!DOCTYPE a [%",
-          "<!DOCTYPE a [<!ELEMENT "}) {
-        const Outcome outcome = run(start + filler, {.features = NO_DTD});
-        EXPECT_NE(outcome.code, 0) << start;
     }
 }
 
@@ -200,10 +123,7 @@ TEST(ParserHostile, DeepTrees) {
     for (const std::size_t depth : {100'000u, 1'000'000u}) {
         const std::string document =
             "<p:r xmlns:p='u'>" + repeat("<p:a>", depth) + repeat("</p:a>", depth) + "</p:r>";
-        ChunkBuf buffer(document, document.size());
-        std::istream in(&buffer);
-        const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
-        parser->setInput(in, UnicodeString(), UnicodeString());
+        Opened<ChunkBuf> parser(document, document.size());
         int deepest = 0;
         while (parser->next() != RyXmlParser::END_DOCUMENT) {
             deepest = std::max(deepest, parser->getDepth());
@@ -216,9 +136,8 @@ TEST(ParserHostile, DeepTrees) {
     EXPECT_EQ(run(open + "</b>").code, 6150);
     // Each level with a binding of its own.
     std::string bound;
-    for (int i = 0; i < 100'000; ++i) {
+    for (int i = 0; i < 100'000; ++i)
         bound += "<p" + std::to_string(i) + ":a xmlns:p" + std::to_string(i) + "='u'>";
-    }
     EXPECT_EQ(run(bound + "<p0:b/><p99999:b/><q:b/>").code, 6151);
 }
 
@@ -231,10 +150,7 @@ TEST(ParserHostile, ManyAttributes) {
         defaults += " x" + n + " CDATA '" + n + "'";
     }
     const auto count = [](const std::string& document) {
-        ChunkBuf buffer(document, document.size());
-        std::istream in(&buffer);
-        const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
-        parser->setInput(in, UnicodeString(), UnicodeString());
+        Opened<ChunkBuf> parser(document, document.size());
         parser->next();
         return parser->getAttributeCount();
     };

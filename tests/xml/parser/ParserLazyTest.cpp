@@ -7,8 +7,7 @@ namespace {
 
 TEST(ParserLazy, NothingPastAMarkIsDemanded) {
     const struct {
-        std::u32string before;
-        std::u32string after;
+        std::u32string before, after;
         int tokens;  // to be read before `after` may be demanded
     } rows[] = {
         {U"<a>", U"text</a>", 1},
@@ -29,12 +28,9 @@ TEST(ParserLazy, NothingPastAMarkIsDemanded) {
     for (const auto& row : rows) {
         for (const char* encoding : {"UTF-8", "UTF-16LE", "UTF-16BE", "UTF-32LE", "UTF-32BE"}) {
             const std::string needed = encode(encoding, row.before);
-            DripBuf buffer(needed + encode(encoding, row.after));
-            std::istream in(&buffer);
-            const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
-            parser->setInput(in, UnicodeString(), UnicodeString());
+            Opened<DripBuf> parser(needed + encode(encoding, row.after));
             for (int i = 0; i < row.tokens; ++i) parser->nextToken();
-            EXPECT_EQ(buffer.demanded(), needed.size())
+            EXPECT_EQ(parser.buffer.demanded(), needed.size())
                 << encode("UTF-8", row.before) << " in " << encoding;
             while (parser->nextToken() != RyXmlParser::END_DOCUMENT) continue;
         }
@@ -46,32 +42,26 @@ TEST(ParserLazy, StartTagsOfNextComeWithTheirLastByte) {
                                              "text<b x='\xC3\xA9'>", "<c/>", "</b>", "t</a>"};
     std::string all;
     for (const std::string& piece : pieces) all += piece;
-    DripBuf buffer(all);
-    std::istream in(&buffer);
-    const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
-    parser->setInput(in, UnicodeString(), UnicodeString());
-    EXPECT_EQ(buffer.demanded(), 0u);
+    Opened<DripBuf> parser(all);
+    EXPECT_EQ(parser.buffer.demanded(), 0u);
     std::size_t end = 0;
     for (const std::string& piece : {pieces[0], pieces[1], pieces[2]}) {
         end += piece.size();
         while (parser->next() != RyXmlParser::START_TAG) continue;
-        EXPECT_EQ(buffer.demanded(), end) << piece;
+        EXPECT_EQ(parser.buffer.demanded(), end) << piece;
     }
     EXPECT_EQ(parser->next(), RyXmlParser::END_TAG);
-    EXPECT_EQ(buffer.demanded(), end);
+    EXPECT_EQ(parser.buffer.demanded(), end);
     EXPECT_EQ(parser->next(), RyXmlParser::END_TAG);
-    EXPECT_EQ(buffer.demanded(), end + pieces[3].size());
+    EXPECT_EQ(parser.buffer.demanded(), end + pieces[3].size());
 }
 
 TEST(ParserLazy, ConvertersWaitForNoMoreThanTheirCharacter) {
     for (const char* name : {"cp932", "EUC-JP", "GBK", "Big5", "windows-1252", "KOI8-R"}) {
         const std::string before = "<?xml version='1.0' encoding='"s + name + "'?>\n<a>";
-        DripBuf buffer(before + "text</a>");
-        std::istream in(&buffer);
-        const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
-        parser->setInput(in, UnicodeString(), UnicodeString());
+        Opened<DripBuf> parser(before + "text</a>");
         parser->next();
-        EXPECT_EQ(buffer.demanded(), before.size()) << name;
+        EXPECT_EQ(parser.buffer.demanded(), before.size()) << name;
         while (parser->next() != RyXmlParser::END_DOCUMENT) continue;
     }
 }
@@ -81,15 +71,12 @@ TEST(ParserLazy, AChunkIsUsedUpBeforeTheNextIsWaitedFor) {
     for (int i = 0; i < 50; ++i) document += "<b n='" + std::to_string(i) + "'/>";
     document += "</a>";
     for (const std::size_t chunk : {2, 5, 16, 100}) {
-        ChunkBuf buffer(document, chunk);
-        std::istream in(&buffer);
-        const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
-        parser->setInput(in, UnicodeString(), UnicodeString());
+        Opened<ChunkBuf> parser(document, chunk);
         std::size_t position = 0;
         while (parser->nextToken() != RyXmlParser::END_DOCUMENT) {
             if (parser->getEventType() != RyXmlParser::START_TAG) continue;
             position = document.find('>', position) + 1;
-            EXPECT_EQ(buffer.delivered(),
+            EXPECT_EQ(parser.buffer.delivered(),
                       std::min(document.size(), (position + chunk - 1) / chunk * chunk))
                 << "chunk " << chunk;
         }
@@ -99,17 +86,13 @@ TEST(ParserLazy, AChunkIsUsedUpBeforeTheNextIsWaitedFor) {
 TEST(ParserLazy, ReadyBytesAreTakenInBlocks) {
     const std::string document = "<a>" + repeat("<b x='1'>text</b>", 20000) + "</a>";
     for (const std::size_t ready : {512, 4096, 1 << 20}) {
-        AnnouncingBuf buffer(document, ready);
-        std::istream in(&buffer);
-        const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
-        parser->setInput(in, UnicodeString(), UnicodeString());
+        Opened<AnnouncingBuf> parser(document, ready);
         std::size_t elements = 0;
-        while (parser->next() != RyXmlParser::END_DOCUMENT) {
+        while (parser->next() != RyXmlParser::END_DOCUMENT)
             elements += parser->getEventType() == RyXmlParser::START_TAG;
-        }
         EXPECT_EQ(elements, 20001u);
-        EXPECT_FALSE(buffer.askedForMoreThanReady()) << ready;
-        EXPECT_LT(buffer.calls(), 64 + 4 * document.size() / 512) << ready;
+        EXPECT_FALSE(parser.buffer.askedForMoreThanReady()) << ready;
+        EXPECT_LT(parser.buffer.calls(), 64 + 4 * document.size() / 512) << ready;
     }
 }
 

@@ -140,18 +140,15 @@ TEST(ParserNamespace, BuiltInVocabularies) {
 
 std::string declarations(const RyXmlParser& parser, int depth) {
     std::string result;
-    for (int i = 0; i < parser.getNamespaceCount(depth); ++i) {
+    for (int i = 0; i < parser.getNamespaceCount(depth); ++i)
         result += toUtf8(parser.getNamespacePrefix(i).toString()) + "=" +
                   toUtf8(parser.getNamespaceUri(i).toString()) + " ";
-    }
     return result;
 }
 
 TEST(ParserNamespace, DeclarationsInForceAreCounted) {
-    ChunkBuf buffer("<a xmlns:p='1' xmlns='2'><b><c xmlns:q='3' xmlns:p='4'/><d/></b></a>", 3);
-    std::istream in(&buffer);
-    const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
-    parser->setInput(in, UnicodeString(), UnicodeString());
+    Opened<ChunkBuf> parser("<a xmlns:p='1' xmlns='2'><b><c xmlns:q='3' xmlns:p='4'/><d/></b></a>",
+                            3);
     EXPECT_EQ(parser->getNamespaceCount(0), 0);
     const auto uri = [&](const char* prefix) {
         return toUtf8(parser->getNamespace(RyName(fromUtf8(prefix))).toString());

@@ -25,90 +25,26 @@ std::string withoutNumbers(std::string text) {
 TEST(SerializerPrefixTest, TagsAndPrefixes) {
     const RyName xmlns = RN_xmlns, xmlnsNs = RN_NS_xmlns;
     const std::vector<Case> cases = {
-        {"empty element",
-         [](auto& s) {
-             s.startTag(NONE, NONE, A, false);
-             s.endTag(NONE, A);
-         },
-         "<a/>"},
-        {"two levels",
-         [](auto& s) {
-             s.startTag(NONE, NONE, A, false);
-             s.startTag(NONE, NONE, B, false);
-             s.endTag(NONE, B);
-             s.text(u"x");
-             s.endTag(NONE, A);
-         },
-         "<a><b/>x</a>"},
+        {"empty element", calls("<a /a"), "<a/>"},
+        {"two levels", calls("<a <b /b x /a"), "<a><b/>x</a>"},
         {"declared after the attributes, not again below",
-         [](auto& s) {
-             s.startTag(NS1, P, A, false);
-             s.attribute(NONE, B, u"1");
-             s.startTag(NS1, P, B, false);
-             s.attribute(NS1, P, A, u"2");
-             s.endTag(NS1, B);
-             s.endTag(NS1, A);
-         },
+         calls("<p:a@1 @b=1 <p:b@1 @p:a@1=2 /b@1 /a@1"),
          "<p:a b=\"1\" xmlns:p=\"urn:1\"><p:b p:a=\"2\"/></p:a>"},
-        {"default namespace, taken away below and back again",
-         [](auto& s) {
-             s.startTag(NS1, NONE, A, false);
-             s.startTag(NONE, NONE, B, false);
-             s.startTag(NS1, NONE, A, false);
-             s.endTag(NS1, A);
-             s.endTag(NONE, B);
-             s.startTag(NS1, NONE, B, false);
-         },
+        {"default namespace, taken away below and back again", calls("<a@1 <b <a@1 /a@1 /b <b@1"),
          "<a xmlns=\"urn:1\"><b xmlns=\"\"><a xmlns=\"urn:1\"/></b><b>"},
-        {"a prefix bound to another namespace below",
-         [](auto& s) {
-             s.startTag(NS1, P, A, false);
-             s.startTag(NS2, P, A, false);
-             s.endTag(NS2, A);
-             s.startTag(NS1, P, B, false);
-         },
+        {"a prefix bound to another namespace below", calls("<p:a@1 <p:a@2 /a@2 <p:b@1"),
          "<p:a xmlns:p=\"urn:1\"><p:a xmlns:p=\"urn:2\"/><p:b>"},
-        {"generated for an element",
-         [](auto& s) {
-             s.startTag(NS1, P, A, true);
-             s.startTag(NS1, Q, B, true);
-         },
+        {"generated for an element", calls("<*p:a@1 <*q:b@1"),
          "<-N*:a xmlns:-N*=\"urn:1\"><-N*:b>"},
-        {"taken over by an element",
-         [](auto& s) {
-             s.setPrefix(P, NS1);
-             s.setPrefix(NONE, NS2);
-             s.startTag(NS1, NONE, A, true);
-             s.startTag(NS2, P, B, true);
-         },
+        {"taken over by an element", calls("+p@1 +@2 <*a@1 <*p:b@2"),
          "<p:a xmlns:p=\"urn:1\" xmlns=\"urn:2\"><b>"},
-        {"a default serves no attribute",
-         [](auto& s) {
-             s.startTag(NS1, NONE, A, false);
-             s.attribute(NS1, B, u"1");
-             s.attribute(NS1, NONE, P, u"2");
-         },
+        {"a default serves no attribute", calls("<a@1 @b@1=1 @:p@1=2"),
          "<a -N*:b=\"1\" -N*:p=\"2\" xmlns=\"urn:1\" xmlns:-N*=\"urn:1\">"},
-        {"an attribute takes the prefix in force",
-         [](auto& s) {
-             s.startTag(NS1, P, A, false);
-             s.attribute(NS1, B, u"1");
-             s.attribute(NS1, Q, P, u"2");
-         },
+        {"an attribute takes the prefix in force", calls("<p:a@1 @b@1=1 @q:p@1=2"),
          "<p:a p:b=\"1\" q:p=\"2\" xmlns:p=\"urn:1\" xmlns:q=\"urn:1\">"},
-        {"the first name keeps the prefix",
-         [](auto& s) {
-             s.startTag(NS1, P, A, false);
-             s.attribute(NS2, P, B, u"1");
-             s.attribute(NS2, P, A, u"2");
-         },
+        {"the first name keeps the prefix", calls("<p:a@1 @p:b@2=1 @p:a@2=2"),
          "<p:a -N*:b=\"1\" -N*:a=\"2\" xmlns:p=\"urn:1\" xmlns:-N*=\"urn:2\">"},
-        {"an inherited prefix in use is not bound anew",
-         [](auto& s) {
-             s.startTag(NS1, P, A, false);
-             s.startTag(NS1, P, B, false);
-             s.attribute(NS2, P, B, u"1");
-         },
+        {"an inherited prefix in use is not bound anew", calls("<p:a@1 <p:b@1 @p:b@2=1"),
          "<p:a xmlns:p=\"urn:1\"><p:b -N*:b=\"1\" xmlns:-N*=\"urn:2\">"},
         {"a declaration gives way to a name",
          [=](auto& s) {
@@ -123,31 +59,12 @@ TEST(SerializerPrefixTest, TagsAndPrefixes) {
              s.attribute(xmlnsNs, xmlns, P, u"urn:2");
          },
          "<p:a xmlns:p=\"urn:1\" xmlns:-N*=\"urn:2\">"},
-        {"setPrefix gives way, too",
-         [](auto& s) {
-             s.setPrefix(P, NS1);
-             s.startTag(NS2, P, A, false);
-         },
+        {"setPrefix gives way, too", calls("+p@1 <p:a@2"),
          "<p:a xmlns:p=\"urn:2\" xmlns:-N*=\"urn:1\">"},
-        {"setPrefix twice",
-         [](auto& s) {
-             s.setPrefix(P, NS1);
-             s.setPrefix(P, NS2);
-             s.setPrefix(P, NS1);
-             s.startTag(NONE, NONE, A, false);
-         },
+        {"setPrefix twice", calls("+p@1 +p@2 +p@1 <a"),
          "<a xmlns:p=\"urn:1\" xmlns:-N*=\"urn:2\">"},
         {"setPrefix closes a pending tag; nothing in force is declared again",
-         [](auto& s) {
-             s.startTag(NS1, P, A, false);
-             s.setPrefix(P, NS1);
-             s.setPrefix(Q, NS2);
-             s.text(u"x");
-             s.startTag(NS2, Q, B, false);
-             s.endTag(NS2, B);
-             s.setPrefix(Q, NS2);
-             s.endTag(NS1, A);
-         },
+         calls("<p:a@1 +p@1 +q@2 x <q:b@2 /b@2 +q@2 /a@1"),
          "<p:a xmlns:p=\"urn:1\">x<q:b xmlns:q=\"urn:2\"/></p:a>"},
         {"explicit declarations are always written, in order",
          [=](auto& s) {
@@ -175,12 +92,7 @@ TEST(SerializerPrefixTest, TagsAndPrefixes) {
              s.attribute(NS1, RN_xml, A, u"1");
          },
          "<a xml:lang=\"de\" xml:space=\"preserve\" -N*:a=\"1\" xmlns:-N*=\"urn:1\">"},
-        {"a prefix without a namespace is written",
-         [](auto& s) {
-             s.startTag(NONE, P, A, false);
-             s.attribute(NONE, Q, B, u"1");
-         },
-         "<p:a q:b=\"1\">"},
+        {"a prefix without a namespace is written", calls("<p:a @q:b=1"), "<p:a q:b=\"1\">"},
     };
     for (const Case& row : cases)
         EXPECT_EQ(withoutNumbers(written(row.script, u"UTF-8")), row.expected) << row.what;

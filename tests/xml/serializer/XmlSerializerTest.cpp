@@ -15,12 +15,8 @@ namespace {
 
 TEST(XmlSerializerTest, XmlDeclaration) {
     struct Row {
-        const char16_t* output;
-        const char16_t* argument;
-        const char16_t* standalone;
-        const char16_t* generator;
-        const char* expected;
-        const char* conformant;
+        const char16_t *output, *argument, *standalone, *generator;
+        const char *expected, *conformant;
     };
     const Row rows[] = {
         {u"", u"", u"", u"", "<?xml version=\"1.0\"?>", "<?xml version=\"1.0\"?>"},
@@ -114,8 +110,7 @@ TEST(XmlSerializerTest, ContentAndEscapes) {
 TEST(XmlSerializerTest, WrongOrderOfCalls) {
     struct Row {
         const char* what;
-        Script before;
-        Script call;
+        Script before, call;
         int code;
         const char* message;
         const char16_t* source;

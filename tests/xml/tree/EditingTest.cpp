@@ -1,6 +1,5 @@
 // Editing calls: the ring of siblings, ownership, errors.
 #include <map>
-#include <random>
 
 #include "tests/xml/tree/TreeFixture.h"
 
@@ -53,10 +52,7 @@ void apply(const Scene& scene, const std::string& call) {
 }
 
 TEST(RyNodeEditing, CallsGiveTheTreeExpected) {
-    const struct {
-        const char* call;
-        const char* expected;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"+rf", "r(a,b(d,e),c,f)"},  {"+ra", "r(b(d,e),c,a)"},    {"+rc", "r(a,b(d,e),c)"},
         {"+ab", "r(a(b(d,e)),c)"},   {"+af", "r(a(f),b(d,e),c)"}, {"<rfa", "r(f,a,b(d,e),c)"},
         {"<rfc", "r(a,b(d,e),f,c)"}, {"<rf-", "r(a,b(d,e),c,f)"}, {"<rbb", "r(a,b(d,e),c)"},
@@ -67,12 +63,12 @@ TEST(RyNodeEditing, CallsGiveTheTreeExpected) {
         {"!rb", "r(a,c)"},           {"!rc", "r(a,b(d,e))"},      {"!bd", "r(a,b(e),c)"},
         {"!#r", "r(a,b(d,e),c)"},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.call);
+    for (const auto& [call, expected] : rows) {
+        SCOPED_TRACE(call);
         Scene scene;
         const RyPtr<RyNode> held = scene.nodes.at('r');
-        apply(scene, row.call);
-        EXPECT_EQ(scene.result(), row.expected);
+        apply(scene, call);
+        EXPECT_EQ(scene.result(), expected);
     }
 }
 
@@ -127,72 +123,6 @@ TEST(RyNodeEditing, ValuesAndAttributesAreRefusedWhereTheyDoNotBelong) {
     EXPECT_EQ(errorOf([&] { scene.document->setText(u"x"); }),
               "2059 RynCommon::RyNode::setNodeValue: SYSTEM ERROR: Cannot set a value on node "
               "type: RyDocument");
-}
-
-// Random calls on a dozen nodes, beside lists of children that say what should come of them.
-TEST(RyNodeEditing, RandomEditsAgreeWithAModel) {
-    constexpr int COUNT = 12;
-    std::mt19937 random(20240607);
-    const RyPtr<RyDocument> document = new RyDocument;
-    std::vector<RyPtr<RyElement>> nodes;
-    std::map<const RyNode*, std::vector<RyNode*>> children;
-    for (int i = 0; i < COUNT; ++i)
-        nodes.push_back(document->createElement(name(std::string(1, static_cast<char>('a' + i)))));
-    const auto any = [&] { return nodes[random() % COUNT].get(); };
-    const auto isUnder = [](const RyNode* node, const RyNode* above) {
-        for (; node != nullptr; node = node->getParentNodeFast())
-            if (node == above) return true;
-        return false;
-    };
-    const auto takeOut = [&](RyNode* node) { std::erase(children[node->getParentNode()], node); };
-    int moves = 0;
-    int refusals = 0;
-    for (int step = 0; step < 20'000; ++step) {
-        RyNode* const parent = any();
-        RyNode* const child = any();
-        std::vector<RyNode*>& list = children[parent];
-        RyNode* const place = list.empty() ? nullptr : list[random() % list.size()];
-        const auto kind = random() % 8;
-        if (kind < 6 && child != place && isUnder(parent, child)) {
-            EXPECT_EQ(errorOf([&] { parent->insertBefore(child, place); }).substr(0, 4), "2058");
-            ++refusals;
-        } else if (kind < 3) {
-            takeOut(child);
-            list.push_back(child);
-            parent->appendChild(child);
-            ++moves;
-        } else if (place == nullptr || child == place) {
-            continue;
-        } else if (kind < 6) {
-            takeOut(child);
-            const auto at = std::find(list.begin(), list.end(), place);
-            if (kind < 5)
-                list.insert(at, child);
-            else
-                *at = child;
-            if (kind < 5)
-                parent->insertBefore(child, place);
-            else
-                EXPECT_EQ(parent->replaceChild(child, place)->getRefCount(), 2);
-            ++moves;
-        } else if (kind == 6) {
-            std::erase(list, place);
-            EXPECT_EQ(parent->removeChild(place)->getParentNode(), nullptr);
-        } else if (random() % 50 == 0) {
-            list.clear();
-            parent->removeAllChildNodes();
-        }
-        for (const auto& node : nodes) {
-            std::vector<RyNode*> found;
-            for (RyNode* n = node->getFirstChild(); n != nullptr; n = n->getNextSibling())
-                found.push_back(n);
-            ASSERT_EQ(found, children[node]) << "step " << step;
-            ASSERT_EQ(brokenLinks(*node), "") << "step " << step;
-            ASSERT_EQ(node->getRefCount(), node->getParentNode() != nullptr ? 2 : 1);
-        }
-    }
-    EXPECT_GT(moves, 5'000);
-    EXPECT_GT(refusals, 100);
 }
 
 TEST(RyNodeEditing, SingleChildLinksToItself) {
@@ -279,8 +209,7 @@ TEST(RyNodeEditing, IdentifiersNamesAndTypes) {
     const struct {
         const RynCommon::RyObjectBase* object;
         std::vector<unsigned> ids;
-        const char* type;
-        const char* nodeName;
+        const char *type, *nodeName;
         int number;
     } rows[] = {
         {element, {0xD31942AA, 0x74DC3393, 0x90AF0240, 0xA4EBD8C4}, "RyElement", "p:e", 1},

@@ -184,8 +184,7 @@ TEST(RyNodeLookup, NamespacesOfPrefixesAndBack) {
     const struct {
         const char* what;
         const RyNode* node;
-        const char* prefix;
-        const char* uri;
+        const char *prefix, *uri;
     } forward[] = {
         {"own default", r, "", "urn:d"},
         {"declared", r, "p", "urn:p"},
@@ -201,15 +200,13 @@ TEST(RyNodeLookup, NamespacesOfPrefixesAndBack) {
         {"attribute", attr, "p2", "urn:p"},
         {"free attribute", free, "p", ""},
     };
-    for (const auto& row : forward) {
+    for (const auto& row : forward)
         EXPECT_EQ(utf8(row.node->lookupNamespaceUri(name(row.prefix)).toString()), row.uri)
             << row.what;
-    }
     const struct {
         const char* what;
         const RyNode* node;
-        const char* uri;
-        const char* prefix;
+        const char *uri, *prefix;
     } back[] = {
         {"declared", r, "urn:q", "q"},
         {"hidden below", a, "urn:q", ""},
