@@ -40,7 +40,7 @@ char* appendUtf8(char* out, std::uint32_t c) {
 
 // Takes the characters that stand in three bytes of UTF-8, as most ideographs and kana do, as far
 // as they go. The line separator may have to be escaped and ends the run. Four bytes are stored at
-// a time, which saves documents in Japanese a fifth of their time.
+// a time.
 char* appendThreeByteRun(char* out, const char16_t*& p, const char16_t* end) {
     constexpr std::uint32_t FIRST = 0x800, COUNT = 0xD800 - FIRST;
     // A place of its own: the bytes stored might be those of `p`, for all that a compiler knows.

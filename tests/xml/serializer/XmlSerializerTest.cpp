@@ -230,17 +230,17 @@ TEST(XmlSerializerTest, OutputErrors) {
     };
     for (const auto& [what, call] : calls) {
         const RyPtr<RyXmlSerializer> s = makeSerializer();
-        EXPECT_EQ(failureOf([&] { call(*s); }).code, 4101) << what;
+        EXPECT_EQ(failureOf([&, &run = call] { run(*s); }).code, 4101) << what;
         std::ostringstream out;
         s->setOutput(&out, UnicodeString());
         out.setstate(std::ios::failbit);
-        const Failure failure = failureOf([&] { call(*s); });
+        const Failure failure = failureOf([&, &run = call] { run(*s); });
         EXPECT_EQ(failure.code, 4103) << what;
         EXPECT_EQ(failure.source, u"RynCommon::XmlSerializerImpl::checkStream") << what;
         out.clear();
         s->endDocument();
         EXPECT_EQ(out.str(), "") << what;
-        EXPECT_EQ(failureOf([&] { call(*s); }).code, 4101) << what;
+        EXPECT_EQ(failureOf([&, &run = call] { run(*s); }).code, 4101) << what;
     }
 }
 
