@@ -11,8 +11,8 @@ namespace RynCommon::zip {
 using ElementVisitor = std::function<bool(RyXmlParser& parser)>;
 
 /// Visits the elements of a part in document order. Reading ends quietly where the part cannot be
-/// read any further, or exceeds a limit. A RyError ends
-/// it, too, but for lack of memory, which is thrown.
+/// read any further, or exceeds a limit. A RyError ends it, too, but for lack of memory, which is
+/// thrown.
 void readElements(RyZipFileEntry& part, const RyZipLimits& limits, const ElementVisitor& visit);
 
 /// All text of the element at whose start tag the parser stands. For the last element that a visit
