@@ -88,9 +88,10 @@ void checkRequest(const RyUri& uri) {
 }
 
 /// Whether resolution leaves the URI alone: a file URI with fewer slashes is relative or is mended,
-/// and the archive of a `jar:` URI may be relative.
+/// a drive letter, which "file:C:/" leaves behind, becomes a file URI, and the archive of a `jar:`
+/// URI may be relative.
 bool isFixed(const RyUri& uri) {
-    if (uri.isJarScheme()) return false;
+    if (uri.isJarScheme() || uri::hasDriveAt(uri::viewOf(uri.toString()), 0)) return false;
     return uri.isAbsolute() && (!uri.isFile() || uri.toString().startsWith(u"file:///"));
 }
 
