@@ -128,40 +128,49 @@ const char16_t* findLineBreakUnit(const char16_t* p, const char16_t* end) {
     return find(p, end, u'\r', char16_t{0x85}, char16_t{0x2028}, char16_t{0xFFFF});
 }
 
-// Adds a vector whose `units` lowest units are to be counted; each has two bits in `feeds` and in
-// `lows`.
-HWY_INLINE void addLines(std::uint64_t feeds, std::uint64_t lows, std::size_t units,
-                         LineCount& count) {
-    if (feeds != 0) {
-        const std::size_t after = 64 - hwy::Num0BitsAboveMS1Bit_Nonzero64(feeds);
-        count.lines += hwy::PopCount(feeds) / 2;
-        count.charactersAfterLast = units - after / 2 - hwy::PopCount(lows >> after) / 2;
-    } else {
-        count.charactersAfterLast += units - hwy::PopCount(lows) / 2;
+// The units for which `bits` is set, two bits each. The range is at least one vector long; what the
+// last vector shares with the one before it is shifted out.
+template <class D, class BitsAt>
+HWY_INLINE std::size_t countUnits(D d, const char16_t* p, const char16_t* end, BitsAt bitsAt) {
+    const std::size_t lanes = hn::Lanes(d);
+    std::size_t bits = 0;
+    for (; static_cast<std::size_t>(end - p) >= lanes; p += lanes) bits += hwy::PopCount(bitsAt(p));
+    const std::size_t left = static_cast<std::size_t>(end - p);
+    if (left != 0) bits += hwy::PopCount(bitsAt(end - lanes) >> (2 * (lanes - left)));
+    return bits / 2;
+}
+
+// Behind the last line feed of a range of at least one vector that holds one.
+template <class D>
+HWY_INLINE const char16_t* behindLastFeed(D d, const char16_t* begin, const char16_t* end) {
+    const std::size_t lanes = hn::Lanes(d);
+    const auto behind = [](const char16_t* p, std::uint64_t bits) {
+        return p + (64 - hwy::Num0BitsAboveMS1Bit_Nonzero64(bits)) / 2;
+    };
+    const char16_t* p = end - lanes;
+    for (;;) {
+        const std::uint64_t bits = hits(d, p, u'\n');
+        if (bits != 0) return behind(p, bits);
+        p = static_cast<std::size_t>(p - begin) < lanes ? begin : p - lanes;
     }
 }
 
-// The range is at least one vector long. The last vector overlaps the one before it, whose bits are
-// shifted out.
+// One pass counts line feeds alone; only the last line is looked at for its characters. Reading
+// prose spends 6 % less time than with both in one pass over all of it.
 template <class D>
 HWY_INLINE LineCount countInVectors(D d, const char16_t* p, const char16_t* end) {
+    const auto feeds = [d](const char16_t* at) { return hits(d, at, u'\n'); };
+    const auto lows = [d](const char16_t* at) {
+        return bitsOf(d, hn::Eq(hn::And(load(d, at), hn::Set(d, 0xFC00)), hn::Set(d, 0xDC00)));
+    };
     LineCount count;
-    const std::size_t lanes = hn::Lanes(d);
-    const auto lineFeed = hn::Set(d, u'\n');
-    const auto surrogateBits = hn::Set(d, 0xFC00);
-    const auto lowSurrogate = hn::Set(d, 0xDC00);
-    while (p != end) {
-        const std::size_t left = static_cast<std::size_t>(end - p);
-        const std::size_t units = left < lanes ? left : lanes;
-        const std::size_t counted = 2 * (lanes - units);
-        const auto v = load(d, p + units - lanes);
-        const auto feeds = hn::Eq(v, lineFeed);
-        const auto lows = hn::Eq(hn::And(v, surrogateBits), lowSurrogate);
-        if (hn::AllFalse(d, hn::Or(feeds, lows)))
-            count.charactersAfterLast += units;
-        else
-            addLines(bitsOf(d, feeds) >> counted, bitsOf(d, lows) >> counted, units, count);
-        p += units;
+    count.lines = countUnits(d, p, end, feeds);
+    if (count.lines != 0) p = behindLastFeed(d, p, end);
+    const std::size_t units = static_cast<std::size_t>(end - p);
+    if (units < hn::Lanes(d)) {
+        count.charactersAfterLast = scalar::countLines(p, end).charactersAfterLast;
+    } else {
+        count.charactersAfterLast = units - countUnits(d, p, end, lows);
     }
     return count;
 }

@@ -7,7 +7,6 @@
 #include <bit>
 #include <cstring>
 
-#include "core/ShortScan.h"
 #include "core/UnitScan.h"
 #include "xml/input/Encodings.h"
 
@@ -105,12 +104,18 @@ std::uint32_t unitAt(const std::uint8_t* p) {
     return BigEndian ? std::uint32_t{p[0]} << 8 | p[1] : std::uint32_t{p[1]} << 8 | p[0];
 }
 
+/// Not 0 when one of four units is a surrogate.
+std::uint64_t markSurrogates(std::uint64_t units) {
+    constexpr std::uint64_t ones = 0x0001000100010001u;
+    const std::uint64_t others = (units ^ 0xD800 * ones) & 0xF800 * ones;
+    return (others - ones) & ~others & 0x8000 * ones;
+}
+
 /// Takes units four at a time, up to the first sixteen with a surrogate among them.
 template <bool BigEndian>
 char16_t* copyBasicPlane(const std::uint8_t*& in, const std::uint8_t* end, char16_t* out) {
     constexpr bool swapped = BigEndian != (std::endian::native == std::endian::big);
     constexpr std::uint64_t lowBytes = 0x00FF00FF00FF00FFu;
-    constexpr std::uint64_t topBits = 0xF800F800F800F800u;
     std::array<std::uint64_t, 4> words;
     const std::uint8_t* p = in;
     for (; end - p >= static_cast<std::ptrdiff_t>(sizeof words); p += sizeof words) {
@@ -118,7 +123,7 @@ char16_t* copyBasicPlane(const std::uint8_t*& in, const std::uint8_t* end, char1
         std::uint64_t surrogates = 0;
         for (std::uint64_t& word : words) {
             if constexpr (swapped) word = (word & lowBytes) << 8 | (word >> 8 & lowBytes);
-            surrogates |= detail::markEqual(word & topBits, 0xD800);
+            surrogates |= markSurrogates(word);
         }
         if (surrogates != 0) break;
         std::memcpy(out, words.data(), sizeof words);

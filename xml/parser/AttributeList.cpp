@@ -16,12 +16,14 @@ std::uint64_t keyOf(const ParsedAttribute& attribute) {
 
 }  // namespace
 
+void ParsedAttribute::copyPlain() {
+    if (plain_ == nullptr) return;
+    value_ = takeWhole(UnicodeString(plain_, static_cast<std::int32_t>(length_)));
+    plain_ = nullptr;
+}
+
 void AttributeList::ownValues() {
-    for (std::size_t i = owned_; i < count_; ++i) {
-        UnicodeString& value = slots_[i].value;
-        // Copying a read-only alias copies its units.
-        value = ownText(value);
-    }
+    for (std::size_t i = owned_; i < count_; ++i) slots_[i].copyPlain();
     // The last one may still be without its value.
     owned_ = count_ > 0 ? count_ - 1 : 0;
 }

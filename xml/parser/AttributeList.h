@@ -3,18 +3,44 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include <RynCommon/RyName.h>
 
 namespace RynCommon {
 
-/// One attribute. The value's buffer is used again by later tags.
-struct ParsedAttribute {
+/// One attribute. A value that stands in the window as it is rests there, until the window leaves
+/// or somebody asks for a string; the string's buffer is used again by later tags.
+class ParsedAttribute {
+public:
     RyName prefix;
     RyName local;
     RyName ns;
-    UnicodeString value;
+
+    void setPlain(const char16_t* text, std::size_t length) {
+        plain_ = text;
+        length_ = length;
+        isAliased_ = false;
+    }
+    /// The string that holds a value which stands nowhere as it is; what it was is left over.
+    UnicodeString& own() {
+        plain_ = nullptr;
+        return value_;
+    }
+    const UnicodeString& value() const {
+        if (plain_ != nullptr && !isAliased_) {
+            value_.setTo(false, plain_, static_cast<std::int32_t>(length_));
+            isAliased_ = true;
+        }
+        return value_;
+    }
+    std::u16string_view units() const {
+        if (plain_ != nullptr) return {plain_, length_};
+        return {value_.getBuffer(), static_cast<std::size_t>(value_.length())};
+    }
+    /// Makes the value one that points into no window.
+    void copyPlain();
 
     /// Whether its namespace has to be found.
     bool isQualified() const { return !prefix.isEmpty() || local == RN_xmlns; }
@@ -22,6 +48,12 @@ struct ParsedAttribute {
     bool isNamespaceDeclaration() const {
         return prefix == RN_xmlns || (prefix.isEmpty() && local == RN_xmlns);
     }
+
+private:
+    const char16_t* plain_ = nullptr;  // null while value_ holds the value
+    std::size_t length_ = 0;
+    mutable bool isAliased_ = false;  // value_ shows the units at plain_
+    mutable UnicodeString value_;
 };
 
 /// The attributes of one start tag in document order. Slots are kept from tag to tag.

@@ -42,25 +42,24 @@ void XmlParserImpl::readTextOrSpace() {
 /// Characters up to "<", "&" or the end. A text that a tag ends in the same window is not copied.
 void XmlParserImpl::readText() {
     for (;;) {
-        const char16_t* const begin = scanner_.cursor();
-        const char16_t* const end = scanner_.limit();
+        const char16_t* const begin = scanner().cursor();
+        const char16_t* const end = scanner().limit();
         const char16_t* const stop = scanTextStop(begin, end);
         if (end - stop > 1 && *stop == u'<' && stop[1] != u'!' && stop[1] != u'?' &&
             text_.isEmpty() && stop != begin) {
-            alias_.setTo(false, begin, static_cast<std::int32_t>(stop - begin));
-            isAliased_ = true;
-            scanner_.moveTo(stop);
-            scanner_.look(stop + 1);
+            plain_ = {begin, static_cast<std::size_t>(stop - begin)};
+            scanner().moveTo(stop);
+            scanner().look(stop + 1);
             return;
         }
         if (stop != begin) text_.append(begin, 0, static_cast<std::int32_t>(stop - begin));
-        scanner_.moveTo(stop);
+        scanner().moveTo(stop);
         if (stop == end) {
-            if (!scanner_.more()) return;
+            if (!scanner().more()) return;
         } else if (*stop == u']') {
             readClosingBrackets();
         } else {
-            scanner_.look(stop + 1);
+            scanner().look(stop + 1);
             return;
         }
     }
@@ -70,21 +69,21 @@ void XmlParserImpl::readText() {
 void XmlParserImpl::readClosingBrackets() {
     const std::int32_t count = core_.readRunOf(u']');
     for (std::int32_t i = 0; i < count; ++i) text_.append(u']');
-    if (count < 2 || scanner_.peek() != u'>') return;
-    scanner_.skip();
+    if (count < 2 || scanner().peek() != u'>') return;
+    scanner().skip();
     text_.append(u'>');
     core_.error(PARSE_CDATA_END_IN_TEXT);
 }
 
 /// White space; every other character is an error and left out.
 void XmlParserImpl::readTopLevelText() {
-    for (int c = scanner_.peek(); c != Scanner::END && c != u'<' && c != u'&';
-         c = scanner_.peek()) {
+    for (int c = scanner().peek(); c != Scanner::END && c != u'<' && c != u'&';
+         c = scanner().peek()) {
         if (isXmlSpace(static_cast<char16_t>(c))) {
-            scanner_.skip();
+            scanner().skip();
             text_.append(static_cast<char16_t>(c));
         } else {
-            topLevelError(describeCharacter(scanner_.getCodePoint()));
+            topLevelError(describeCharacter(scanner().getCodePoint()));
         }
     }
 }
@@ -96,7 +95,7 @@ void XmlParserImpl::readTopLevelText() {
 bool XmlParserImpl::readReference(bool expand) {
     const bool inside = namespaces_.depth() > 0;
     core_.event = ENTITY_REF;
-    if (scanner_.accept(u'#')) {
+    if (scanner().accept(u'#')) {
         std::uint32_t c;
         if (!core_.readCharacterReference(c)) return false;
         if (inside)
@@ -124,28 +123,28 @@ bool XmlParserImpl::readReference(bool expand) {
 /// Behind "<?". False for the XML declaration, which is no event.
 bool XmlParserImpl::readInstruction(UnicodeString* sink) {
     const EventType before = core_.event;
-    if (scanner_.peek() != Scanner::END && isXmlSpace(static_cast<char16_t>(scanner_.peek()))) {
+    if (scanner().peek() != Scanner::END && isXmlSpace(static_cast<char16_t>(scanner().peek()))) {
         core_.event = PROCESSING_INSTRUCTION;
         core_.error(PARSE_UNEXPECTED_SPACE, UnicodeString(u"<?"));
-        scanner_.skipSpace();
+        scanner().skipSpace();
     }
-    const Scanner::Name name = scanner_.scanQName();
+    const Scanner::Name name = scanner().scanQName();
     const bool isDeclaration = ParserCore::keyword(name) == RN_xml;
     if (isDeclaration && before == START_DOCUMENT && !declarationSeen_) {
         declarationSeen_ = true;
         core_.event = before;
         core_.readXmlDeclaration(false);
-        scanner_.base().setStepping(false);
+        scanner().base().setStepping(false);
         return false;
     }
     core_.event = PROCESSING_INSTRUCTION;
     const UnicodeString target = name.toString();
-    scanner_.base().setStepping(false);
+    scanner().base().setStepping(false);
     if (isDeclaration)
         core_.error(PARSE_MISPLACED_XML_DECLARATION);
     else if (isXmlInAnyCase(name))
         core_.error(PARSE_XML_NOT_LOWER_CASE, target);
-    const int c = scanner_.peek();
+    const int c = scanner().peek();
     if (c != Scanner::END && !isXmlSpace(static_cast<char16_t>(c)))
         core_.error(PARSE_MISSING_PI_SPACE, target);
     if (sink != nullptr) *sink = target;
@@ -155,26 +154,26 @@ bool XmlParserImpl::readInstruction(UnicodeString* sink) {
 
 /// Behind "<!". False when there is no event.
 bool XmlParserImpl::readMarkup(UnicodeString* sink) {
-    if (scanner_.accept(u'[')) return readCdata();
-    if (scanner_.accept(u'-')) {
+    if (scanner().accept(u'[')) return readCdata();
+    if (scanner().accept(u'-')) {
         core_.event = COMMENT;
-        if (!scanner_.accept(u'-')) {
+        if (!scanner().accept(u'-')) {
             core_.error(PARSE_BAD_COMMENT);
             return false;
         }
         core_.readCommentRest(sink);
         return true;
     }
-    const Scanner::Name name = scanner_.scanName();
+    const Scanner::Name name = scanner().scanName();
     if (ParserCore::keyword(name) != RN_DOCTYPE) {
         core_.error(PARSE_BAD_MARKUP, name.toString());
         return false;
     }
     core_.event = DOCDECL;
-    if (sink != nullptr) scanner_.startCapture(*sink);
+    if (sink != nullptr) scanner().startCapture(*sink);
     readDoctype();
     if (sink == nullptr) return true;
-    scanner_.stopCapture();
+    scanner().stopCapture();
     if (sink->endsWith(UnicodeString(u'>'))) sink->truncate(sink->length() - 1);
     return true;
 }
@@ -182,7 +181,7 @@ bool XmlParserImpl::readMarkup(UnicodeString* sink) {
 /// Behind "<![". The section goes into the text, at the top level nowhere.
 bool XmlParserImpl::readCdata() {
     core_.event = CDSECT;
-    if (ParserCore::keyword(scanner_.scanName()) != RN_CDATA || !scanner_.accept(u'[')) {
+    if (ParserCore::keyword(scanner().scanName()) != RN_CDATA || !scanner().accept(u'[')) {
         core_.error(PARSE_BAD_CDATA);
         return false;
     }
@@ -195,7 +194,7 @@ bool XmlParserImpl::readCdata() {
             return inside;
         }
         std::int32_t brackets = core_.readRunOf(u']');
-        const bool ended = brackets >= 2 && scanner_.accept(u'>');
+        const bool ended = brackets >= 2 && scanner().accept(u'>');
         if (ended) brackets -= 2;
         for (; target != nullptr && brackets > 0; --brackets) target->append(u']');
         if (ended) return inside;

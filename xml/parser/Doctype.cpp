@@ -340,10 +340,12 @@ void DoctypeReader::readDefault(AttributeDeclaration& attribute) {
     }
     const int c = scanner_.peek();
     if (c != u'"' && c != u'\'') return;
-    UnicodeString value;
-    attribute.hasDefault = core_.readAttributeValue(value);
-    attribute.defaultValue = ownText(value);
-    if (attribute.tokenized) AttributeDefaults::collapse(attribute.defaultValue);
+    UnicodeString& value = attribute.defaultValue;
+    std::u16string_view plain;
+    attribute.hasDefault = core_.readAttributeValue(value, plain);
+    if (plain.data() != nullptr)
+        value = takeWhole(UnicodeString(plain.data(), static_cast<std::int32_t>(plain.size())));
+    if (attribute.tokenized) AttributeDefaults::collapse(value);
 }
 
 }  // namespace RynCommon

@@ -58,10 +58,10 @@ EntityTable XmlParserImpl::readSubsetOf(const UnicodeString& uri) {
     reader.core_.setLimits(core_.limits);
     reader.setInput(uri, UnicodeString(), core_.baseUri);
     reader.core_.parameterEntities.merge(core_.parameterEntities);
-    if (!reader.scanner_.base().hasByte()) return EntityTable();  // an empty subset is one
+    if (!reader.scanner().base().hasByte()) return EntityTable();  // an empty subset is one
     reader.started_ = true;
     reader.core_.event = DOCDECL;
-    if (!reader.scanner_.base().start()) reader.core_.error(PARSE_INVALID_CHARACTER);
+    if (!reader.scanner().base().start()) reader.core_.error(PARSE_INVALID_CHARACTER);
     reader.core_.readTextDeclaration();
     DoctypeReader(reader.core_, nullptr).readExternalSubset();
     return std::move(reader.core_.generalEntities);

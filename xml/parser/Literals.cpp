@@ -20,14 +20,14 @@ bool ParserCore::openQuote(char16_t& quote) {
     return true;
 }
 
-bool ParserCore::readAttributeValue(UnicodeString& value) {
+bool ParserCore::readAttributeValue(UnicodeString& value, std::u16string_view& plain) {
     char16_t quote;
     if (!openQuote(quote)) return false;
     // Most values lie in the window as they are.
     const char16_t* const begin = scanner.cursor();
     const char16_t* stop = scanValueStop(begin, scanner.limit(), quote);
     if (stop != scanner.limit() && *stop == quote) {
-        value.setTo(false, begin, static_cast<std::int32_t>(stop - begin));
+        plain = {begin, static_cast<std::size_t>(stop - begin)};
         scanner.moveTo(stop + 1);
         return true;
     }

@@ -20,10 +20,16 @@ NameCache::NameCache()
     : slots_(FIRST_SLOTS), seed_(textHashSeed()), generation_(sharedNameGeneration()) {}
 NameCache::~NameCache() = default;
 
-std::uint32_t NameCache::hashOf(const char16_t* text, std::size_t length) const {
-    std::uint64_t hash = seed_;
-    for (; length >= 4; length -= 4, text += 4) hash = mixWord(hash, detail::loadFourUnits(text));
-    return finishHash(hash, detail::packUnits(text, length));
+/// Null when it is not known, or known as a text only.
+const CachedName* NameCache::findName(const char16_t* text, std::size_t length) const {
+    const std::uint32_t hash = hashOf(text, length);
+    const std::size_t mask = slots_.size() - 1;
+    for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+        const Slot& slot = slots_[i];
+        if (slot.entry == nullptr) return nullptr;
+        if (isEntry(slot, hash, text, length) && slot.entry->colon != CachedName::WHOLE)
+            return slot.entry;
+    }
 }
 
 const CachedName& NameCache::find(const char16_t* text, std::size_t length, std::ptrdiff_t colon) {
@@ -60,6 +66,9 @@ CachedName& NameCache::insert(Slot& slot, std::uint32_t hash, const char16_t* te
     entry.colon = colon;
     entry.text = keep(text, length);
     entry.length = static_cast<std::uint32_t>(length);
+    const std::size_t inHead = std::min<std::size_t>(length, 4);
+    entry.head = detail::packUnits(text, inHead);
+    entry.headMask = inHead == 0 ? 0 : ~std::uint64_t{0} >> (64 - 16 * inHead);
     --entryRoom_;
     slot = {hash, entry.length, &entry};
     ++count_;

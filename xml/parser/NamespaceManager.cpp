@@ -19,10 +19,12 @@ std::size_t slotIndex(RyName prefix, std::size_t mask) {
 NamespaceManager::NamespaceManager() : slots_(FIRST_SLOTS) {}
 
 void NamespaceManager::reset() {
-    elements_.clear();
+    depth_ = 0;
+    if (blocks_.size() > 1) blocks_.resize(1);
     forgetLast();
     if (bindings_.empty()) return;
     bindings_.clear();
+    bindingCount_ = 0;
     std::fill(slots_.begin(), slots_.end(), Slot());
     prefixCount_ = 0;
     defaultBinding_ = -1;
@@ -38,6 +40,7 @@ void NamespaceManager::unbindFrom(std::size_t first) {
             slotOf(binding.prefix).binding = binding.hidden;
         bindings_.pop_back();
     }
+    bindingCount_ = static_cast<std::uint32_t>(first);
 }
 
 void NamespaceManager::bind(RyName prefix, RyName ns) {
@@ -45,6 +48,7 @@ void NamespaceManager::bind(RyName prefix, RyName ns) {
     const auto index = static_cast<std::int32_t>(bindings_.size());
     std::int32_t& innermost = prefix.isEmpty() ? defaultBinding_ : slotOf(prefix).binding;
     bindings_.push_back({prefix, ns, innermost});
+    ++bindingCount_;
     innermost = index;
 }
 
@@ -95,7 +99,7 @@ void NamespaceManager::grow() {
 std::size_t NamespaceManager::bindingCount(int depth) const {
     if (depth < 0) return 0;
     const auto level = static_cast<std::size_t>(depth);
-    return level < elements_.size() ? elements_[level].firstBinding : bindings_.size();
+    return level < depth_ ? at(level).firstBinding : bindings_.size();
 }
 
 RyName NamespaceManager::bindingPrefix(int index) const {

@@ -3,7 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <memory>
 #include <vector>
 
 #include <RynCommon/RyName.h>
@@ -32,13 +32,13 @@ public:
 
     /// Opens an element; bind() then declares on it.
     void push(const CachedName& name) {
-        elements_.push_back({&name, RyName(), static_cast<std::uint32_t>(bindings_.size())});
+        if (depth_ == blocks_.size() * BLOCK) addBlock();
+        at(depth_++) = {&name, RyName(), bindingCount_};
     }
     /// Closes the innermost element.
     void pop() {
-        const std::size_t first = elements_.back().firstBinding;
-        elements_.pop_back();
-        if (bindings_.size() > first) unbindFrom(first);
+        const std::size_t first = at(--depth_).firstBinding;
+        if (bindingCount_ > first) unbindFrom(first);
     }
     /// Binds on the innermost open element, or around the root when none is open. An empty
     /// namespace unbinds.
@@ -46,13 +46,15 @@ public:
     /// The namespace of a prefix (empty: the default); the empty name when unbound. "xml" and
     /// "xmlns" are always bound.
     RyName lookup(RyName prefix) const {
-        if (prefix.isEmpty()) return namespaceAt(defaultBinding_);
+        if (prefix.isEmpty()) return defaultNamespace();
         return prefix == lastPrefix_ ? lastNamespace_ : lookupPrefix(prefix);
     }
 
-    int depth() const { return static_cast<int>(elements_.size()); }
-    Element& top() { return elements_.back(); }
-    const Element& top() const { return elements_.back(); }
+    RyName defaultNamespace() const { return namespaceAt(defaultBinding_); }
+
+    int depth() const { return static_cast<int>(depth_); }
+    Element& top() { return at(depth_ - 1); }
+    const Element& top() const { return at(depth_ - 1); }
 
     /// Number of bindings of the elements 1 to `depth` and around them.
     std::size_t bindingCount(int depth) const;
@@ -70,6 +72,13 @@ private:
         std::int32_t binding = -1;
     };
 
+    /// Elements lie in blocks that stay where they are: a byte of input may open an element, and
+    /// an array that grows would hold twice as many for a moment.
+    static constexpr std::size_t BLOCK = 256;
+
+    Element& at(std::size_t index) { return blocks_[index / BLOCK][index % BLOCK]; }
+    const Element& at(std::size_t index) const { return blocks_[index / BLOCK][index % BLOCK]; }
+    void addBlock() { blocks_.push_back(std::make_unique<Element[]>(BLOCK)); }
     Slot& slotOf(RyName prefix);
     RyName namespaceAt(std::int32_t binding) const {
         return binding < 0 ? RyName() : bindings_[static_cast<std::size_t>(binding)].ns;
@@ -80,8 +89,10 @@ private:
     void unbindFrom(std::size_t first);
     void grow();
 
-    std::deque<Element> elements_;  // grows without a copy: a byte of input may open an element
+    std::vector<std::unique_ptr<Element[]>> blocks_;
+    std::size_t depth_ = 0;
     std::vector<Binding> bindings_;
+    std::uint32_t bindingCount_ = 0;  // the size of bindings_
     std::vector<Slot>
         slots_;  // prefixes other than the empty one; open addressing, never removed from
     std::size_t prefixCount_ = 0;

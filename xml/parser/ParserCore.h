@@ -87,9 +87,9 @@ public:
 
     // Literals; the reading point is before the quote. False when there is none.
     /// An attribute value: references resolved, white space characters as blanks. A value that
-    /// stands in the window as it is becomes a read-only alias of the window's units, until
-    /// windowLeaves() makes it a copy.
-    bool readAttributeValue(UnicodeString& value);
+    /// stands in the window as it is becomes `plain`, until windowLeaves(), and leaves `value`
+    /// alone.
+    bool readAttributeValue(UnicodeString& value, std::u16string_view& plain);
     /// An entity value: character references and parameter entities resolved.
     bool readEntityValue(UnicodeString& value);
     /// Characters as they are.

@@ -31,31 +31,35 @@ UnicodeString qualified(RyName prefix, RyName local) {
 
 void XmlParserImpl::readStartTag() {
     core_.event = START_TAG;
-    if (rootSeen_ && namespaces_.depth() == 0) core_.error(PARSE_SECOND_ROOT);
+    const int outer = namespaces_.depth();
+    if (outer == 0 && rootSeen_) core_.error(PARSE_SECOND_ROOT);
     const CachedName& name = readElementName();
     rootSeen_ = true;
-    if (static_cast<std::uint32_t>(namespaces_.depth()) >= core_.limits.depth) core_.exceedLimit();
+    if (static_cast<std::uint32_t>(outer) >= core_.limits.depth) core_.exceedLimit();
     namespaces_.push(name);
     attributes_.clear();
     emptyTag_ = hasQualifiedAttribute_ = false;
-    if (!scanner_.acceptInWindow(u'>')) {
+    if (!scanner().acceptInWindow(u'>')) {
         readPlainAttributes();
         readAttributes();
     }
     if (!defaults_.isEmpty()) applyDefaults(name);
-    if (namespaces_.depth() == 1) bindBuiltinVocabulary(name);
-    resolveNamespaces();
+    if (outer == 0) bindBuiltinVocabulary(name);
+    // An element without prefixes takes the namespace that is in force.
+    if (name.prefix.isEmpty() && !hasQualifiedAttribute_ && attributes_.size() < 2)
+        namespaces_.top().ns = namespaces_.defaultNamespace();
+    else
+        resolveNamespaces();
 }
 
 const CachedName* XmlParserImpl::findElementName() const {
-    const char16_t* const begin = scanner_.cursor();
-    const char16_t* const end = scanner_.limit();
+    const char16_t* const begin = scanner().cursor();
+    const char16_t* const end = scanner().limit();
     const CachedName* const guess = lastName_->successor;
-    if (guess != nullptr && static_cast<std::size_t>(end - begin) > guess->length) {
+    if (guess != nullptr && isInWindow(*guess) && guess->standsAt(begin)) {
         const char16_t behind = begin[guess->length];
         const bool isEnd = behind == u'>' || behind == u' ' || behind == u'/';
-        if (isEnd && equalUnits(begin, guess->text, guess->length) && core_.allows(*guess))
-            return guess;
+        if (isEnd && core_.allows(*guess)) return guess;
     }
     return core_.findBefore(begin, end, u'>', u' ', u'/');
 }
@@ -63,17 +67,17 @@ const CachedName* XmlParserImpl::findElementName() const {
 const CachedName& XmlParserImpl::readElementName() {
     const CachedName* const known = findElementName();
     if (known != nullptr) {
-        scanner_.moveTo(scanner_.cursor() + known->length);
-        scanner_.look(scanner_.cursor() + 1);
+        scanner().moveTo(scanner().cursor() + known->length);
+        scanner().look(scanner().cursor() + 1);
         lastName_->successor = known;
         lastName_ = known;
         return *known;
     }
-    Scanner::Name spelt = scanner_.scanQName();
-    if (!spelt.complete && spelt.length == 0 && isSpaceAt(scanner_)) {
+    Scanner::Name spelt = scanner().scanQName();
+    if (!spelt.complete && spelt.length == 0 && isSpaceAt(scanner())) {
         core_.error(PARSE_UNEXPECTED_SPACE, UnicodeString(u'<'));
-        scanner_.skipSpace();
-        spelt = scanner_.scanQName();
+        scanner().skipSpace();
+        spelt = scanner().scanQName();
     }
     if (spelt.complete) return core_.find(spelt);
     core_.error(PARSE_BAD_START_TAG_NAME);
@@ -83,8 +87,8 @@ const CachedName& XmlParserImpl::readElementName() {
 /// The attributes at the reading point that stand in the window as most do: a known name, "=" and a
 /// quoted value to be taken as it is. Everything else is left to readAttributes().
 void XmlParserImpl::readPlainAttributes() {
-    const char16_t* const end = scanner_.limit();
-    const char16_t* p = scanner_.cursor();
+    const char16_t* const end = scanner().limit();
+    const char16_t* p = scanner().cursor();
     while (p != end && isXmlSpace(*p) && attributes_.size() < core_.limits.attributes) {
         const char16_t* at = p + 1;
         while (at != end && isXmlSpace(*at)) ++at;
@@ -96,20 +100,20 @@ void XmlParserImpl::readPlainAttributes() {
         const char16_t* const stop = scanValueStop(value, end, *at);
         if (stop == end || *stop != *at) return;
         ParsedAttribute& attribute = attributes_.add(name->prefix, name->local);
-        attribute.value.setTo(false, value, static_cast<std::int32_t>(stop - value));
+        attribute.setPlain(value, static_cast<std::size_t>(stop - value));
         p = stop + 1;
-        scanner_.moveTo(p);
+        scanner().moveTo(p);
         finishAttribute(attribute);
     }
 }
 
 /// Up to and with ">" or "/>". "<" and the end of input end the tag as well.
 void XmlParserImpl::readAttributes() {
-    bool space = scanner_.skipSpace();
+    bool space = scanner().skipSpace();
     for (;;) {
-        const int c = scanner_.peek();
+        const int c = scanner().peek();
         if (c == u'>') {
-            scanner_.skip();
+            scanner().skip();
             return;
         }
         if (c == Scanner::END || c == u'<') {
@@ -117,46 +121,48 @@ void XmlParserImpl::readAttributes() {
             return;
         }
         if (c == u'/') {
-            scanner_.skip();
-            if (isSpaceAt(scanner_)) {
+            scanner().skip();
+            if (isSpaceAt(scanner())) {
                 core_.error(PARSE_UNEXPECTED_SPACE, UnicodeString(u'/'));
-                scanner_.skipSpace();
+                scanner().skipSpace();
             }
-            emptyTag_ = scanner_.accept(u'>');
+            emptyTag_ = scanner().accept(u'>');
             if (emptyTag_) return;
             core_.unexpectedCharacter();
-            if (scanner_.peek() == Scanner::END || scanner_.peek() == u'<') return;
+            if (scanner().peek() == Scanner::END || scanner().peek() == u'<') return;
             space = true;  // told of already
         } else if (!space && !isNameStart(static_cast<char16_t>(c))) {
             core_.unexpectedCharacter();
-            scanner_.getCodePoint();
-            space = scanner_.skipSpace();
+            scanner().getCodePoint();
+            space = scanner().skipSpace();
         } else {
             if (!space) core_.error(PARSE_MISSING_ATTRIBUTE_SPACE);
             readAttribute();
-            space = scanner_.skipSpace();
+            space = scanner().skipSpace();
         }
     }
 }
 
 void XmlParserImpl::readAttribute() {
-    const Scanner::Name spelt = scanner_.scanQName();
+    const Scanner::Name spelt = scanner().scanQName();
     if (!spelt.complete) {
         readBadAttributeName(spelt);
         return;
     }
     const CachedName& name = core_.find(spelt);
-    scanner_.skipSpace();
-    if (!scanner_.accept(u'=')) {
+    scanner().skipSpace();
+    if (!scanner().accept(u'=')) {
         core_.error(PARSE_MISSING_EQUALS);
         return;
     }
-    scanner_.skipSpace();
+    scanner().skipSpace();
     ParsedAttribute& attribute = addAttribute(name.prefix, name.local);
-    if (!core_.readAttributeValue(attribute.value)) {
+    std::u16string_view plain;
+    if (!core_.readAttributeValue(attribute.own(), plain)) {
         attributes_.removeLast();
         return;
     }
+    if (plain.data() != nullptr) attribute.setPlain(plain.data(), plain.size());
     finishAttribute(attribute);
 }
 
@@ -165,10 +171,9 @@ void XmlParserImpl::finishAttribute(const ParsedAttribute& attribute) {
     if (!attribute.isQualified()) return;
     hasQualifiedAttribute_ = true;
     if (!attribute.isNamespaceDeclaration()) return;
-    const UnicodeString& uri = attribute.value;
-    namespaces_.bind(
-        attribute.prefix.isEmpty() ? RyName() : attribute.local,
-        core_.names->findWhole(uri.getBuffer(), static_cast<std::size_t>(uri.length())));
+    const std::u16string_view uri = attribute.units();
+    namespaces_.bind(attribute.prefix.isEmpty() ? RyName() : attribute.local,
+                     core_.names->findWhole(uri.data(), uri.size()));
 }
 
 /// Reports what was read of the name with what follows up to a delimiter; at least one character is
@@ -178,8 +183,8 @@ void XmlParserImpl::readBadAttributeName(const Scanner::Name& name) {
     const auto isDelimiter = [](char16_t c) {
         return isXmlSpace(c) || c == u'=' || c == u'>' || c == u'/' || c == u'<';
     };
-    scanner_.appendUntil(text, isDelimiter);
-    if (text.isEmpty()) text.append(static_cast<UChar32>(scanner_.getCodePoint()));
+    scanner().appendUntil(text, isDelimiter);
+    if (text.isEmpty()) text.append(static_cast<UChar32>(scanner().getCodePoint()));
     core_.error(PARSE_BAD_ATTRIBUTE_NAME, text);
 }
 
@@ -198,7 +203,9 @@ void XmlParserImpl::applyDefaults(const CachedName& element) {
             if (attribute.local != declaration.local || attribute.prefix != declaration.prefix)
                 continue;
             found = true;
-            if (declaration.tokenized) AttributeDefaults::collapse(attribute.value);
+            if (!declaration.tokenized) continue;
+            attribute.copyPlain();
+            AttributeDefaults::collapse(attribute.own());
         }
         if (!found && declaration.hasDefault) addDefault(declaration);
     }
@@ -207,7 +214,7 @@ void XmlParserImpl::applyDefaults(const CachedName& element) {
 void XmlParserImpl::addDefault(const AttributeDeclaration& declaration) {
     core_.countExpansion(declaration.defaultValue.length() + DEFAULT_ATTRIBUTE_COST);
     ParsedAttribute& attribute = addAttribute(declaration.prefix, declaration.local);
-    attribute.value = ownText(declaration.defaultValue);
+    attribute.own() = ownText(declaration.defaultValue);
     if (attribute.isQualified()) hasQualifiedAttribute_ = true;
     if (attribute.isNamespaceDeclaration())
         namespaces_.bind(declaration.prefix.isEmpty() ? RyName() : declaration.local,
@@ -272,28 +279,33 @@ void XmlParserImpl::reportDuplicates() {
 /// False for an end tag with nothing open.
 bool XmlParserImpl::readEndTag() {
     core_.event = END_TAG;
-    const bool open = namespaces_.depth() > 0;
-    const CachedName& expected = open ? *namespaces_.top().name : noName_;
+    if (namespaces_.depth() == 0) return readOtherEndTag(noName_);
+    const CachedName& expected = *namespaces_.top().name;
     // Nearly always the open element's name as it was spelt, and ">".
-    const char16_t* const begin = scanner_.cursor();
+    const char16_t* const begin = scanner().cursor();
     const std::size_t length = expected.length;
-    if (length != 0 && static_cast<std::size_t>(scanner_.limit() - begin) > length &&
-        begin[length] == u'>' && equalUnits(begin, expected.text, length)) {
-        scanner_.moveTo(begin + length + 1);
+    if (isInWindow(expected) && begin[length] == u'>' && expected.standsAt(begin) && length != 0) {
+        scanner().moveTo(begin + length + 1);
         return true;
     }
-    if (isSpaceAt(scanner_)) {
+    return readOtherEndTag(expected);
+}
+
+bool XmlParserImpl::readOtherEndTag(const CachedName& expected) {
+    const bool open = namespaces_.depth() > 0;
+    if (isSpaceAt(scanner())) {
         core_.error(PARSE_UNEXPECTED_SPACE, UnicodeString(u"</"));
-        scanner_.skipSpace();
+        scanner().skipSpace();
     }
-    const Scanner::Name spelt = scanner_.scanQName();
+    const Scanner::Name spelt = scanner().scanQName();
     if (!spelt.complete) {
         core_.error(PARSE_BAD_END_TAG_NAME);
-    } else if (!open || spelt.length != length || !equalUnits(spelt.text, expected.text, length)) {
+    } else if (!open || spelt.length != expected.length ||
+               !equalUnits(spelt.text, expected.text, spelt.length)) {
         core_.error(PARSE_END_TAG_MISMATCH, spelt.toString(), qualified(expected));
     }
-    scanner_.skipSpace();
-    if (!scanner_.accept(u'>')) {
+    scanner().skipSpace();
+    if (!scanner().accept(u'>')) {
         core_.unexpectedCharacter();
         skipToTagEnd();
     }
@@ -302,8 +314,8 @@ bool XmlParserImpl::readEndTag() {
 
 /// Behind the next ">", or before the next "<" or the end.
 void XmlParserImpl::skipToTagEnd() {
-    for (int c = scanner_.peek(); c != Scanner::END && c != u'<'; c = scanner_.peek()) {
-        scanner_.skip();
+    for (int c = scanner().peek(); c != Scanner::END && c != u'<'; c = scanner().peek()) {
+        scanner().skip();
         if (c == u'>') return;
     }
 }

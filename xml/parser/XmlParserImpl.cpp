@@ -25,8 +25,7 @@ constexpr char16_t SOURCE[] = u"RynCommon::XmlParserImpl";
 
 }  // namespace
 
-XmlParserImpl::XmlParserImpl()
-    : core_(static_cast<ParserCore::WindowUser&>(*this)), scanner_(core_.scanner) {}
+XmlParserImpl::XmlParserImpl() : core_(static_cast<ParserCore::WindowUser&>(*this)) {}
 XmlParserImpl::~XmlParserImpl() = default;
 
 bool XmlParserImpl::isA(unsigned int id) const {
@@ -83,7 +82,7 @@ void XmlParserImpl::resetDocument() {
     attributes_.clear();
     defaults_.clear();
     text_.remove();
-    isAliased_ = false;
+    dropPlainText();
     entityName_ = RyName();
     token_ = Token::NONE;
     started_ = failed_ = declarationSeen_ = rootSeen_ = doctypeSeen_ = emptyTag_ = false;
@@ -105,9 +104,9 @@ void XmlParserImpl::openInput(const UnicodeString& uri, const UnicodeString& enc
     core_.baseUri = ownText(baseUri);
     if (baseUri.isEmpty() && source.isAbsolute() && !source.isDataScheme())
         core_.baseUri = source.getBaseString();
-    scanner_.base().open(std::move(stream));
-    scanner_.begin(core_.inputUri);
-    core_.applyGivenEncoding(scanner_.base(), encoding);
+    scanner().base().open(std::move(stream));
+    scanner().begin(core_.inputUri);
+    core_.applyGivenEncoding(scanner().base(), encoding);
 }
 
 void XmlParserImpl::setInput(std::istream& in, const UnicodeString& encoding,
@@ -115,37 +114,37 @@ void XmlParserImpl::setInput(std::istream& in, const UnicodeString& encoding,
     withMemoryError(SOURCE, [&] {
         resetDocument();
         core_.baseUri = ownText(baseUri);
-        scanner_.base().open(in);
-        scanner_.begin(UnicodeString());
-        core_.applyGivenEncoding(scanner_.base(), encoding);
+        scanner().base().open(in);
+        scanner().begin(UnicodeString());
+        core_.applyGivenEncoding(scanner().base(), encoding);
     });
 }
 
 void XmlParserImpl::closeStream() {
-    scanner_.base().close();
+    scanner().base().close();
 }
 
 void XmlParserImpl::releaseBuffers() {
-    if (scanner_.base().isOpen() && !failed_) return;
+    if (scanner().base().isOpen() && !failed_) return;
     namespaces_.reset();  // elements that a failure left open point to names
-    scanner_.releaseBuffers();
+    scanner().releaseBuffers();
     core_.names.reset();
     noName_.successor = nullptr;
     lastName_ = &noName_;
     attributes_ = AttributeList();
     text_ = UnicodeString();
-    isAliased_ = false;
+    dropPlainText();
     token_ = Token::NONE;
     failed_ = true;  // until the next input
 }
 
 /// Raises what a missing or failed input is; reads its first byte.
 void XmlParserImpl::checkStream() {
-    const std::istream* const in = scanner_.base().stream();
+    const std::istream* const in = scanner().base().stream();
     if (in == nullptr) throwSystemError(SYSTEM_WRONG_STATE, LOCATION_PARSER_CHECK_STREAM);
     if (in->fail())
         throwIoError(in->eof() ? IO_UNEXPECTED_END : IO_INPUT_ERROR, LOCATION_PARSER_CHECK_STREAM);
-    if (!scanner_.base().hasByte()) {
+    if (!scanner().base().hasByte()) {
         const bool broken = in->bad();
         throwIoError(broken ? IO_INPUT_ERROR : IO_UNEXPECTED_END, LOCATION_PARSER_CHECK_STREAM);
     }
@@ -156,7 +155,7 @@ void XmlParserImpl::checkStream() {
 void XmlParserImpl::start() {
     checkStream();
     started_ = true;
-    TextInput& input = scanner_.base();
+    TextInput& input = scanner().base();
     if (!input.start()) core_.error(PARSE_INVALID_CHARACTER);
     input.setStepping(true);
     if (peekToken() != Token::INSTRUCTION) input.setStepping(false);
@@ -188,7 +187,30 @@ RyXmlParser::EventType XmlParserImpl::guarded(Read read) {
 }
 
 RyXmlParser::EventType XmlParserImpl::next() {
-    return guarded([this] { return prepare() ? mergedEvent() : core_.event; });
+    return guarded([this] {
+        if (!prepare()) return core_.event;
+        // Most events are a tag, or a text that a tag ends.
+        switch (peekToken()) {
+            case Token::START_TAG:
+                token_ = Token::NONE;
+                readStartTag();
+                return core_.event;
+            case Token::END_TAG:
+                token_ = Token::NONE;
+                if (readEndTag()) return core_.event;
+                break;
+            case Token::TEXT:
+                if (namespaces_.depth() == 0) break;
+                token_ = Token::NONE;
+                core_.event = TEXT;
+                readText();
+                if (takeTagStart()) return core_.event;
+                break;
+            default:
+                break;
+        }
+        return mergedEvent();
+    });
 }
 
 RyXmlParser::EventType XmlParserImpl::nextToken() {
@@ -201,40 +223,42 @@ bool XmlParserImpl::prepare() {
         core_.event = END_DOCUMENT;
         return false;
     }
-    if (core_.event == END_TAG) {
-        namespaces_.pop();
-    } else if (core_.event == START_TAG) {
-        attributes_.clear();
-        if (emptyTag_) {
+    switch (core_.event) {
+        case END_TAG:
+            namespaces_.pop();
+            break;
+        case START_TAG:
+            attributes_.clear();
+            if (!emptyTag_) break;
             emptyTag_ = false;
             core_.event = END_TAG;
             return false;
-        }
-    } else if (core_.event == END_DOCUMENT) {
-        return false;
+        case END_DOCUMENT:
+            return false;
+        default:
+            break;
     }
     if (!text_.isEmpty()) text_.remove();
-    isAliased_ = false;
+    dropPlainText();
     entityName_ = RyName();
     if (!started_) start();
     return true;
 }
 
-XmlParserImpl::Token XmlParserImpl::peekToken() {
-    if (token_ != Token::NONE) return token_;
-    switch (scanner_.peek()) {
+XmlParserImpl::Token XmlParserImpl::peekAnyToken() {
+    switch (scanner().peek()) {
         case Scanner::END:
             return token_ = Token::END;
         case u'&':
-            scanner_.skip();
+            scanner().skip();
             return token_ = Token::REFERENCE;
         case u'<':
             break;
         default:
             return token_ = Token::TEXT;
     }
-    scanner_.skip();
-    switch (scanner_.peek()) {
+    scanner().skip();
+    switch (scanner().peek()) {
         case u'!':
             token_ = Token::MARKUP;
             break;
@@ -247,8 +271,16 @@ XmlParserImpl::Token XmlParserImpl::peekToken() {
         default:
             return token_ = Token::START_TAG;
     }
-    scanner_.skip();
+    scanner().skip();
     return token_;
+}
+
+/// Behind a text that stands in the window as it is, and that a tag ends, the tag's first
+/// characters are there to be taken. False where that is not so.
+bool XmlParserImpl::takeTagStart() {
+    if (!hasPlainText()) return false;
+    peekToken();
+    return true;
 }
 
 XmlParserImpl::Token XmlParserImpl::takeToken() {
@@ -264,7 +296,7 @@ RyXmlParser::EventType XmlParserImpl::mergedEvent() {
             case Token::START_TAG:
             case Token::END_TAG:
             case Token::END:
-                if (isAliased_ || !text_.isEmpty()) return core_.event = TEXT;
+                if (hasPlainText() || !text_.isEmpty()) return core_.event = TEXT;
                 token_ = Token::NONE;
                 if (readToken(token)) return core_.event;
                 break;
@@ -321,9 +353,9 @@ bool XmlParserImpl::readToken(Token token) {
 /// Values and text that point into the window become copies.
 void XmlParserImpl::windowLeaves() {
     attributes_.ownValues();
-    if (!isAliased_) return;
-    isAliased_ = false;
-    text_.setTo(alias_.getBuffer(), alias_.length());
+    if (!hasPlainText()) return;
+    text_ = takeWhole(UnicodeString(plain_.data(), static_cast<std::int32_t>(plain_.size())));
+    dropPlainText();
 }
 
 void XmlParserImpl::readEnd() {
@@ -379,7 +411,10 @@ bool XmlParserImpl::isWhitespace() const {
 }
 
 const UnicodeString& XmlParserImpl::getText() const {
-    return isAliased_ ? alias_ : text_;
+    if (!hasPlainText()) return text_;
+    if (!isAliased_) alias_.setTo(false, plain_.data(), static_cast<std::int32_t>(plain_.size()));
+    isAliased_ = true;
+    return alias_;
 }
 
 RyName XmlParserImpl::getName() const {
@@ -417,13 +452,13 @@ RyName XmlParserImpl::getAttributePrefix(int index) const {
     return attributeAt(index, LOCATION_PARSER_GET_ATTRIBUTE_PREFIX).prefix;
 }
 const UnicodeString& XmlParserImpl::getAttributeValue(int index) const {
-    return attributeAt(index, LOCATION_PARSER_GET_ATTRIBUTE_VALUE).value;
+    return attributeAt(index, LOCATION_PARSER_GET_ATTRIBUTE_VALUE).value();
 }
 
 const UnicodeString& XmlParserImpl::getAttributeValue(RyName ns, RyName name) const {
     const ParsedAttribute* const attribute = attributes_.find(ns, name);
     if (attribute == nullptr) return RyEmptyString::EMPTY_VALUE;
-    return attribute->value;
+    return attribute->value();
 }
 
 RyXmlParser::EventType XmlParserImpl::getEventType() const {

@@ -87,8 +87,25 @@ private:
     void openInput(const UnicodeString& uri, const UnicodeString& encoding,
                    const UnicodeString& baseUri);
     void checkStream();
-    Token peekToken();
+    Token peekToken() {
+        if (token_ != Token::NONE) return token_;
+        // Nearly always the window tells.
+        Scanner& in = scanner();
+        const char16_t* const begin = in.cursor();
+        if (in.limit() - begin < 2) return peekAnyToken();
+        if (*begin != u'<' && *begin != u'&') {
+            in.look(begin + 1);
+            return token_ = Token::TEXT;
+        }
+        const char16_t kind = begin[1];
+        if (*begin == u'&' || kind == u'!' || kind == u'?') return peekAnyToken();
+        in.look(begin + 2);
+        in.moveTo(kind == u'/' ? begin + 2 : begin + 1);
+        return token_ = kind == u'/' ? Token::END_TAG : Token::START_TAG;
+    }
+    Token peekAnyToken();
     Token takeToken();
+    bool takeTagStart();
     EventType mergedEvent();
     EventType singleEvent();
     bool readToken(Token token);
@@ -96,6 +113,11 @@ private:
     void resetDocument();
 
     void windowLeaves() override;
+    bool hasPlainText() const { return plain_.data() != nullptr; }
+    void dropPlainText() {
+        plain_ = {};
+        isAliased_ = false;
+    }
 
     // Content (Content.cpp).
     void readText();
@@ -111,6 +133,12 @@ private:
     // Tags (Tags.cpp).
     void readStartTag();
     bool readEndTag();
+    bool readOtherEndTag(const CachedName& expected);
+    /// Whether the window has room for the name, a delimiter, and four units.
+    bool isInWindow(const CachedName& name) const {
+        return scanner().limit() - scanner().cursor() >
+               static_cast<std::ptrdiff_t>(name.length) + 3;
+    }
     const CachedName* findElementName() const;
     const CachedName& readElementName();
     void readPlainAttributes();
@@ -137,17 +165,18 @@ private:
     EntityTable readSubsetOf(const UnicodeString& uri);
 
     const ParsedAttribute& attributeAt(int index, int location) const;
+    Scanner& scanner() const { return core_.scanner; }
 
     mutable ParserCore core_;  // positions are counted when they are asked for
-    Scanner& scanner_;
-    CachedName noName_{u"", 0, RyName(), RyName(), -1};
+    CachedName noName_{u"", 0, RyName(), RyName(), -1, nullptr, 0, 0};
     const CachedName* lastName_ = &noName_;  // of the start tag before
     NamespaceManager namespaces_;
     AttributeList attributes_;
     AttributeDefaults defaults_;
-    UnicodeString text_;   // gathered from several places
-    UnicodeString alias_;  // a text that stands in the window as it is
-    bool isAliased_ = false;
+    UnicodeString text_;         // gathered from several places
+    std::u16string_view plain_;  // a text that stands in the window as it is; else without data
+    mutable bool isAliased_ = false;  // alias_ shows the units of plain_
+    mutable UnicodeString alias_;
     RyName entityName_;
     Token token_ = Token::NONE;
     bool started_ = false;
