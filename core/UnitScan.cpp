@@ -23,6 +23,7 @@ namespace HWY_NAMESPACE {
 
 // A processor without vectors.
 using scalar::countLines;
+using scalar::findColumnStop;
 using scalar::findLineBreakUnit;
 using scalar::findMarkupStop;
 using scalar::findTextStop;
@@ -126,6 +127,23 @@ const char16_t* findMarkupStop(const char16_t* p, const char16_t* end, char16_t 
 
 const char16_t* findLineBreakUnit(const char16_t* p, const char16_t* end) {
     return find(p, end, u'\r', char16_t{0x85}, char16_t{0x2028}, char16_t{0xFFFF});
+}
+
+template <class D>
+HWY_INLINE std::uint64_t columnStops(D d, const char16_t* p) {
+    const auto v = load(d, p);
+    const auto lows = hn::Eq(hn::And(v, hn::Set(d, 0xFC00)), hn::Set(d, 0xDC00));
+    return bitsOf(d, hn::Or(lows, hn::Eq(v, hn::Set(d, u'\n'))));
+}
+
+const char16_t* findColumnStop(const char16_t* p, const char16_t* end) {
+    const WideTag d;
+    const std::size_t lanes = hn::Lanes(d);
+    for (; static_cast<std::size_t>(end - p) >= lanes; p += lanes) {
+        const std::uint64_t bits = columnStops(d, p);
+        if (bits != 0) return firstHit(p, bits);
+    }
+    return scalar::findColumnStop(p, end);
 }
 
 // The units for which `bits` is set, two bits each. The range is at least one vector long; what the
@@ -284,6 +302,7 @@ HWY_EXPORT(findValueStop);
 HWY_EXPORT(findUnit);
 HWY_EXPORT(findMarkupStop);
 HWY_EXPORT(findLineBreakUnit);
+HWY_EXPORT(findColumnStop);
 HWY_EXPORT(countLines);
 HWY_EXPORT(widenAscii);
 HWY_EXPORT(isLatin1);
@@ -298,6 +317,7 @@ struct Kernels {
     const char16_t* (*findUnit)(const char16_t*, const char16_t*, char16_t);
     const char16_t* (*findMarkupStop)(const char16_t*, const char16_t*, char16_t, char16_t);
     const char16_t* (*findLineBreakUnit)(const char16_t*, const char16_t*);
+    const char16_t* (*findColumnStop)(const char16_t*, const char16_t*);
     LineCount (*countLines)(const char16_t*, const char16_t*);
     std::size_t (*widenAscii)(const std::uint8_t*, std::size_t, char16_t*);
     bool (*isLatin1)(const char16_t*, std::size_t);
@@ -308,18 +328,19 @@ struct Kernels {
 Kernels selectKernels() noexcept {
     if (std::getenv("RYNCOMMON_SCALAR") != nullptr) {
         return {scalar::findTextStop,   scalar::findValueStop,     scalar::findUnit,
-                scalar::findMarkupStop, scalar::findLineBreakUnit, scalar::countLines,
-                scalar::widenAscii,     scalar::isLatin1,          scalar::narrowLatin1,
-                scalar::widenLatin1};
+                scalar::findMarkupStop, scalar::findLineBreakUnit, scalar::findColumnStop,
+                scalar::countLines,     scalar::widenAscii,        scalar::isLatin1,
+                scalar::narrowLatin1,   scalar::widenLatin1};
     }
     // The tables' first entry chooses at each call; asking for the targets once makes them hand out
     // the kernels.
     hwy::GetChosenTarget().Update(hwy::SupportedTargets());
     return {HWY_DYNAMIC_DISPATCH(findTextStop),      HWY_DYNAMIC_DISPATCH(findValueStop),
             HWY_DYNAMIC_DISPATCH(findUnit),          HWY_DYNAMIC_DISPATCH(findMarkupStop),
-            HWY_DYNAMIC_DISPATCH(findLineBreakUnit), HWY_DYNAMIC_DISPATCH(countLines),
-            HWY_DYNAMIC_DISPATCH(widenAscii),        HWY_DYNAMIC_DISPATCH(isLatin1),
-            HWY_DYNAMIC_DISPATCH(narrowLatin1),      HWY_DYNAMIC_DISPATCH(widenLatin1)};
+            HWY_DYNAMIC_DISPATCH(findLineBreakUnit), HWY_DYNAMIC_DISPATCH(findColumnStop),
+            HWY_DYNAMIC_DISPATCH(countLines),        HWY_DYNAMIC_DISPATCH(widenAscii),
+            HWY_DYNAMIC_DISPATCH(isLatin1),          HWY_DYNAMIC_DISPATCH(narrowLatin1),
+            HWY_DYNAMIC_DISPATCH(widenLatin1)};
 }
 
 constinit std::atomic<const Kernels*> chosenKernels{nullptr};
@@ -358,6 +379,10 @@ const char16_t* findMarkupStop(const char16_t* p, const char16_t* end, char16_t 
 
 const char16_t* findLineBreakUnit(const char16_t* p, const char16_t* end) noexcept {
     return kernels().findLineBreakUnit(p, end);
+}
+
+const char16_t* findColumnStop(const char16_t* p, const char16_t* end) noexcept {
+    return kernels().findColumnStop(p, end);
 }
 
 LineCount countLines(const char16_t* p, const char16_t* end) noexcept {

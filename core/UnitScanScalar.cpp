@@ -33,6 +33,11 @@ const char16_t* findLineBreakUnit(const char16_t* p, const char16_t* end) {
     return find(p, end, u'\r', u'\u0085', u'\u2028', u'\uFFFF');
 }
 
+const char16_t* findColumnStop(const char16_t* p, const char16_t* end) {
+    while (p != end && *p != u'\n' && (*p & 0xFC00) != 0xDC00) ++p;
+    return p;
+}
+
 LineCount countLines(const char16_t* p, const char16_t* end) {
     LineCount count;
     for (; p != end; ++p) {

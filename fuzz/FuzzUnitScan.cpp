@@ -55,6 +55,7 @@ void checkFinding(Units& run, char16_t a, char16_t b) {
                 findUnit(p, end, a) == std::find(p, end, a),
             "findUnit");
     require(findMarkupStop(p, end, a, b) == scalar::findMarkupStop(p, end, a, b), "findMarkupStop");
+    require(findColumnStop(p, end) == scalar::findColumnStop(p, end), "findColumnStop");
     require(findLineBreakUnit(p, end) == scalar::findLineBreakUnit(p, end), "findLineBreakUnit");
 }
 

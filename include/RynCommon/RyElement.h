@@ -62,6 +62,8 @@ private:
 
     static constexpr int FLAG_TEXT = 31;
 
+    void setUnits(std::u16string_view text);
+
     RyName uri_;
     RyName prefix_;
     RyName local_;

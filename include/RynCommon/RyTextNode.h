@@ -40,6 +40,7 @@ protected:
     friend class RyDocument;
     friend class PlainTree;
     RyTextNode(RyDocument* owner, const UnicodeString& data) : RyNode(owner), data_(data) {}
+    RyTextNode(RyDocument* owner, RyCompactText data) : RyNode(owner), data_(std::move(data)) {}
 
 private:
     RyCompactText data_;

@@ -63,17 +63,22 @@ const FindCase FIND_CASES[] = {
     FIND_CASE(std::u16string(1, u'\0'), findUnit(p, end, u'\0')),
     FIND_CASE(u"->", findMarkupStop(p, end, u'-', u'>')),
     FIND_CASE(u"\r\u0085\u2028\uFFFF", findLineBreakUnit(p, end)),
+    FIND_CASE((std::u16string{u'\n', 0xDC00, 0xDFFF}), findColumnStop(p, end)),
 };
 
 // Units that a kernel looking at single bytes, or signed, would take for `stop`.
+// A low surrogate among the stops stands for all of them.
 std::u16string nearMisses(const std::u16string& stops) {
     std::u16string result;
+    const bool withSurrogates = stops.find(0xDC00) != stops.npos;
     for (const char16_t stop : stops) {
         const int candidates[] = {stop + 1,      stop - 1,      stop ^ 0x8000,
                                   stop ^ 0x0100, stop << 8,     stop << 8 | (stop & 0xFF),
                                   stop >> 8,     stop & 0xFF00, stop ^ 0x80};
         for (const int candidate : candidates) {
             const char16_t unit = static_cast<char16_t>(candidate);
+            const bool isSurrogate = (unit & 0xFC00) == 0xDC00;
+            if (isSurrogate && withSurrogates) continue;
             if (stops.find(unit) == stops.npos) result += unit;
         }
     }

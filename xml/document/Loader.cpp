@@ -2,10 +2,12 @@
 #include "xml/document/Loader.h"
 
 #include <functional>
+#include <typeinfo>
 
 #include "core/ErrorLocations.h"
 #include "core/MemoryCheck.h"
 #include "xml/document/DocumentRep.h"
+#include "xml/parser/XmlParserImpl.h"
 #include "xml/tree/PlainTree.h"
 
 namespace RynCommon {
@@ -124,7 +126,10 @@ void Loader::begin(RyNode& target) {
     if (parser_ != nullptr && parser_ != parser) dropText();
     parser_ = parser;
     open_.push_back(&target);
-    plain_ = PlainTree::isPlain(document_, target);
+    const RyXmlParser& reading = *parser;
+    const bool isPlain =
+        typeid(reading) == typeid(XmlParserImpl) && PlainTree::isPlain(document_, target);
+    plain_ = isPlain ? static_cast<XmlParserImpl*>(parser) : nullptr;
     if (&target != &document_) target.addRef();
     target.setFlag(RyNode::FLAG_LOADING, true);
     target.setFlag(RyNode::FLAG_LOADED, false);
@@ -132,30 +137,50 @@ void Loader::begin(RyNode& target) {
 }
 
 void Loader::readOn(bool pull) {
+    isPulled_ = pull;
     if (!pull) read([](const RyNode*) { return false; });
 }
 
 RyNode* Loader::takeEvent() {
-    RyNode* added = nullptr;
-    switch (nextEvent()) {
+    RyNode* const added = plain_ != nullptr ? takePlainEvent() : takeAnyEvent();
+    if (stop_) end(Ending::STOPPED);
+    return added;
+}
+
+RyNode* Loader::takePlainEvent() {
+    const auto event = standsAtEvent_ ? plain_->getEventType() : plain_->next();
+    standsAtEvent_ = false;
+    switch (event) {
         case RyXmlParser::START_TAG:
-            added = startElement();
-            break;
+            return startPlainElement();
         case RyXmlParser::END_TAG:
             endElement();
-            break;
+            return nullptr;
         case RyXmlParser::TEXT:
-            added = plain_ ? PlainTree::appendText(document_, *open_.back(), parser_->getText())
-                           : open_.back()->appendChildText(parser_->getText());
-            break;
+            return PlainTree::appendText(document_, *open_.back(), plain_->textUnits());
         case RyXmlParser::END_DOCUMENT:
             end(Ending::COMPLETE);
-            break;
+            return nullptr;
         default:
             throwSystemError(SYSTEM_WRONG_STATE, LOCATION_DOCUMENT_LOAD_NEXT_NODE);
     }
-    if (stop_) end(Ending::STOPPED);
-    return added;
+}
+
+RyNode* Loader::takeAnyEvent() {
+    switch (nextEvent()) {
+        case RyXmlParser::START_TAG:
+            return startElement();
+        case RyXmlParser::END_TAG:
+            endElement();
+            return nullptr;
+        case RyXmlParser::TEXT:
+            return open_.back()->appendChildText(parser_->getText());
+        case RyXmlParser::END_DOCUMENT:
+            end(Ending::COMPLETE);
+            return nullptr;
+        default:
+            throwSystemError(SYSTEM_WRONG_STATE, LOCATION_DOCUMENT_LOAD_NEXT_NODE);
+    }
 }
 
 RyXmlParser::EventType Loader::nextEvent() {
@@ -174,29 +199,20 @@ RyXmlParser::EventType Loader::nextEvent() {
     return event;
 }
 
-RyNode* Loader::startElement() {
-    return plain_ ? startPlainElement() : startAnyElement();
-}
-
 RyNode* Loader::startPlainElement() {
-    RyPtr<RyElement> element = PlainTree::makeElement(document_, parser_->getNamespace(),
-                                                      parser_->getPrefix(), parser_->getName());
-    fillElement(*element, PlainTree::setAttribute);
+    RyPtr<RyElement> element = PlainTree::makeElement(document_, *plain_);
     RyNode& parent = *open_.back();
     open_.push_back(element);
     PlainTree::append(parent, *element);
     return element.detach();
 }
 
-RyNode* Loader::startAnyElement() {
+RyNode* Loader::startElement() {
     RyPtr<RyElement> element = document_.createElementNS(parser_->getNamespace(),
                                                          parser_->getPrefix(), parser_->getName());
     RyElement* const node = element;
     if (node != nullptr) {
-        fillElement(*node, [](RyElement& to, RyName uri, RyName prefix, RyName local,
-                              const UnicodeString& value) {
-            to.setAttributeEx(uri, prefix, local, value);
-        });
+        fillElement(*node);
         node->finishAttributes();
     }
     if (node == nullptr || open_.back()->appendChildEx(node) != node) {
@@ -210,16 +226,15 @@ RyNode* Loader::startAnyElement() {
     return node;
 }
 
-template <class SetAttribute>
-void Loader::fillElement(RyElement& element, SetAttribute setAttribute) const {
+void Loader::fillElement(RyElement& element) const {
     const RyXmlParser& parser = *parser_;
     element.setFlag(RyNode::FLAG_LOADING, true);
     element.setSourceLineNumber(parser.getLineNumber());
     element.setSourceColumnNumber(parser.getColumnNumber());
     const int count = parser.getAttributeCount();
     for (int i = 0; i < count; ++i) {
-        setAttribute(element, parser.getAttributeNamespace(i), parser.getAttributePrefix(i),
-                     parser.getAttributeName(i), parser.getAttributeValue(i));
+        element.setAttributeEx(parser.getAttributeNamespace(i), parser.getAttributePrefix(i),
+                               parser.getAttributeName(i), parser.getAttributeValue(i));
     }
 }
 
@@ -233,7 +248,11 @@ void Loader::closeInnermost(Ending ending) {
     open_.pop_back();
     node->setFlag(RyNode::FLAG_LOADING, false);
     if (ending == Ending::COMPLETE) node->setFlag(RyNode::FLAG_LOADED, true);
-    if (node != &document_) node->release();
+    if (node == &document_) return;
+    if (plain_ != nullptr && !isPulled_)
+        PlainTree::drop(*node);
+    else
+        node->release();
 }
 
 void Loader::end(Ending ending) {

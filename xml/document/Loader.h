@@ -21,6 +21,8 @@
 
 namespace RynCommon {
 
+class XmlParserImpl;
+
 class Loader {
 public:
     explicit Loader(RyDocument& document) : document_(document) {}
@@ -58,12 +60,12 @@ private:
     void read(Done isDone);
     /// Takes one event; the node that it added, if any.
     RyNode* takeEvent();
+    RyNode* takePlainEvent();
+    RyNode* takeAnyEvent();
     RyXmlParser::EventType nextEvent();
-    RyNode* startElement();
     RyNode* startPlainElement();
-    RyNode* startAnyElement();
-    template <class SetAttribute>
-    void fillElement(RyElement& element, SetAttribute setAttribute) const;
+    RyNode* startElement();
+    void fillElement(RyElement& element) const;
     void endElement();
 
     enum class Ending { COMPLETE, STOPPED };
@@ -76,11 +78,12 @@ private:
     RyDocument& document_;
     RyLock lock_;
     RyPtr<RyXmlParser> parser_;          // of the load that is on, or was last
+    XmlParserImpl* plain_ = nullptr;     // the same where the short way serves, see PlainTree
     std::unique_ptr<UnitsStream> text_;  // its input when that is a text
     std::vector<RyNode*> open_;          // outermost first; empty when nothing is loading
     int skipDepth_ = 0;                  // of the element whose content is discarded, or 0
     bool standsAtEvent_ = false;         // the parser's present event has still to be taken
-    bool plain_ = false;                 // the short way serves, see PlainTree
+    bool isPulled_ = false;              // others may look at the tree while it loads
     bool reading_ = false;
     bool stop_ = false;  // asked for while reading
 };

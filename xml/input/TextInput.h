@@ -63,7 +63,12 @@ public:
     const char16_t* windowEnd() const { return windowEnd_; }
 
     /// Counts the text of the window up to `place` as read.
-    void countTo(const char16_t* place);
+    void countTo(const char16_t* place) {
+        if (place <= counted_) return;
+        if (columnStop_ == nullptr || place > columnStop_) return countBeyondStop(place);
+        addColumns(static_cast<std::size_t>(place - counted_));
+        counted_ = place;
+    }
     int line() const { return line_; }
     int column() const { return column_; }
     /// Units decoded so far, for what is allowed in proportion to the input.
@@ -76,6 +81,8 @@ private:
     char16_t* decodeRest(char16_t* out);
     char16_t* decodeStep(char16_t* out);
     void normaliseLineEnds(char16_t* begin, char16_t* end);
+    void countBeyondStop(const char16_t* place);
+    void addColumns(std::size_t characters);
 
     ByteInput bytes_;
     std::istream* source_ = nullptr;
@@ -92,6 +99,8 @@ private:
     const char16_t* windowEnd_ = nullptr;
     const char16_t* decodedEnd_ = nullptr;  // behind windowEnd_ where a U+FFFF cut the window
     const char16_t* counted_ = nullptr;     // line_ and column_ are those of this place
+    // The next unit from counted_ on that is no column, or null where it has not been looked for.
+    const char16_t* columnStop_ = nullptr;
     int line_ = -1;
     int column_ = -1;
     std::uint64_t unitsRead_ = 0;

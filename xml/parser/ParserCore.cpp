@@ -61,8 +61,7 @@ UnicodeString ParserCore::positionDescription() {
     UnicodeString text(EVENT_NAMES[event]);
     const UnicodeString& uri = inputUri.isEmpty() ? baseUri : inputUri;
     if (!uri.isEmpty()) text.append(u", '").append(uri).append(u'\'');
-    const int line = scanner.line();
-    const int column = scanner.column();
+    const auto [line, column] = scanner.position();
     if (line != -1) text.append(u", Line ").append(RyUtil::toString(line));
     if (column != -1) text.append(u", Col ").append(RyUtil::toString(column));
     return text.append(u'.');

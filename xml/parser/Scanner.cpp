@@ -153,11 +153,9 @@ TextInput& Scanner::countedInput() {
     return input;
 }
 
-int Scanner::line() {
-    return countedInput().line();
-}
-int Scanner::column() {
-    return countedInput().column();
+Scanner::Position Scanner::position() {
+    const TextInput& input = countedInput();
+    return {input.line(), input.column()};
 }
 
 // Single units and runs.

@@ -148,8 +148,11 @@ public:
     std::uint64_t unitsRead() const;
 
     // Positions.
-    int line();
-    int column();
+    struct Position {
+        int line;
+        int column;
+    };
+    Position position();
 
     // Capturing the text of a declaration as it stands in the document.
     void startCapture(UnicodeString& text);

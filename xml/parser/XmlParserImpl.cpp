@@ -394,10 +394,10 @@ UnicodeString XmlParserImpl::getPositionDescription() const {
     return core_.positionDescription();
 }
 int XmlParserImpl::getLineNumber() const {
-    return core_.scanner.line();
+    return core_.scanner.position().line;
 }
 int XmlParserImpl::getColumnNumber() const {
-    return core_.scanner.column();
+    return core_.scanner.position().column;
 }
 
 bool XmlParserImpl::isWhitespace() const {

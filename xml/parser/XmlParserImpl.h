@@ -65,6 +65,15 @@ public:
     const RyXmlLimits& getLimits() const override;
     void releaseBuffers() override;
 
+    // The event's parts where they are, for the loader.
+    const NamespaceManager::Element& openElement() const { return namespaces_.top(); }
+    const AttributeList& attributes() const { return attributes_; }
+    Scanner::Position position() const { return core_.scanner.position(); }
+    std::u16string_view textUnits() const {
+        if (hasPlainText()) return plain_;
+        return {text_.getBuffer(), static_cast<std::size_t>(text_.length())};
+    }
+
 private:
     /// What the characters at the reading point begin; for all but TEXT and END they have been
     /// read.

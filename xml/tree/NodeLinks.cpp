@@ -20,17 +20,6 @@ void fetchBehind([[maybe_unused]] const RyNode* node) {
 
 }  // namespace
 
-void NodeLinks::linkLast(RyNode*& last, RyNode& node) {
-    node.previous_ = last;
-    if (last != nullptr) {
-        node.next_ = last->next_;
-        last->next_ = &node;
-    } else {
-        node.next_ = &node;
-    }
-    last = &node;
-}
-
 void NodeLinks::linkBefore(RyNode*& last, RyNode& node, RyNode& reference) {
     node.next_ = &reference;
     node.previous_ = reference.previous_;

@@ -14,7 +14,15 @@ namespace RynCommon {
 class NodeLinks {
 public:
     // Rings. `last` is the owner's slot; a node linked in must be free.
-    static void linkLast(RyNode*& last, RyNode& node);
+    static void linkLast(RyNode*& last, RyNode& node) {
+        node.previous_ = last;
+        node.next_ = &node;
+        if (last != nullptr) {
+            node.next_ = last->next_;
+            last->next_ = &node;
+        }
+        last = &node;
+    }
     static void linkBefore(RyNode*& last, RyNode& node, RyNode& reference);
     /// Puts `node` where `old` is and frees `old`.
     static void replace(RyNode*& last, RyNode& node, RyNode& old);

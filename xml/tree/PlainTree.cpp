@@ -3,6 +3,8 @@
 
 #include <typeinfo>
 
+#include "core/MemoryCheck.h"
+#include "xml/parser/XmlParserImpl.h"
 #include "xml/tree/AttrNodeMap.h"
 #include "xml/tree/NodeLinks.h"
 
@@ -14,24 +16,35 @@ bool PlainTree::isPlain(const RyDocument& document, const RyNode& target) {
            (typeid(target) == typeid(RyElement) && target.getOwnerDocument() == &document);
 }
 
-RyPtr<RyElement> PlainTree::makeElement(RyDocument& document, RyName uri, RyName prefix,
-                                        RyName local) {
-    RyElement* const element = new RyElement(&document, uri, prefix, local);
+RyPtr<RyElement> PlainTree::makeElement(RyDocument& document, const XmlParserImpl& parser) {
+    const NamespaceManager::Element& tag = parser.openElement();
+    RyElement* const element = new RyElement(&document, tag.ns, tag.name->prefix, tag.name->local);
     element->setRefCount(1);
-    return RyPtr<RyElement>::adopt(element);
+    RyPtr<RyElement> held = RyPtr<RyElement>::adopt(element);
+    element->setFlag(RyNode::FLAG_LOADING, true);
+    const Scanner::Position position = parser.position();
+    element->setSourceLineNumber(position.line);
+    element->setSourceColumnNumber(position.column);
+    const AttributeList& attributes = parser.attributes();
+    for (std::size_t i = 0; i < attributes.size(); ++i) {
+        const ParsedAttribute& attribute = attributes[i];
+        setAttribute(*element, attribute.ns, attribute.prefix, attribute.local, attribute.units());
+    }
+    return held;
 }
 
 void PlainTree::setAttribute(RyElement& element, RyName uri, RyName prefix, RyName local,
-                             const UnicodeString& value) {
+                             std::u16string_view value) {
     AttrNodeMap& map = element.attributes();
+    const auto length = static_cast<std::int32_t>(value.size());
     if (map.findNS(uri, local) != nullptr) {
-        element.setAttributeEx(uri, prefix, local, value);
+        element.setAttributeEx(uri, prefix, local, takeWhole(UnicodeString(value.data(), length)));
         return;
     }
     RyAttr* const attr = new RyAttr(element.getOwnerDocument(), uri, prefix, local);
     attr->setRefCount(1);
     RyPtr<RyAttr> held = RyPtr<RyAttr>::adopt(attr);
-    attr->setText(value);
+    attr->setUnits(value);
     map.append(std::move(held));
 }
 
@@ -40,8 +53,9 @@ void PlainTree::append(RyNode& parent, RyElement& element) {
     NodeLinks::linkLast(parent, element);
 }
 
-RyNode* PlainTree::appendText(RyDocument& document, RyNode& parent, const UnicodeString& text) {
-    RyTextNode* const node = new RyTextNode(&document, text);
+RyNode* PlainTree::appendText(RyDocument& document, RyNode& parent, std::u16string_view text) {
+    RyTextNode* const node = new RyTextNode(
+        &document, RyCompactText(text.data(), static_cast<std::int32_t>(text.size())));
     node->setRefCount(1);
     NodeLinks::linkLast(parent, *node);
     return node;

@@ -54,7 +54,11 @@ UnicodeString RyAttr::getText() const {
 }
 
 void RyAttr::setText(const UnicodeString& text) {
-    text_ = RyCompactText(text);
+    setUnits({text.getBuffer(), static_cast<std::size_t>(text.length())});
+}
+
+void RyAttr::setUnits(std::u16string_view text) {
+    text_ = RyCompactText(text.data(), static_cast<std::int32_t>(text.size()));
     if (!value_.isNull()) value_ = RyValue();
     setFlag(FLAG_TEXT, true);
 }
