@@ -22,6 +22,7 @@ namespace HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128
 
 // A processor without vectors.
+using scalar::copyPassing;
 using scalar::countLines;
 using scalar::findColumnStop;
 using scalar::findLineBreakUnit;
@@ -31,6 +32,7 @@ using scalar::findUnit;
 using scalar::findValueStop;
 using scalar::isLatin1;
 using scalar::narrowLatin1;
+using scalar::narrowPassing;
 using scalar::widenAscii;
 using scalar::widenLatin1;
 
@@ -284,6 +286,61 @@ void widenLatin1(const std::uint8_t* in, std::size_t n, char16_t* out) {
     scalar::widenLatin1(in, n, out);
 }
 
+// What passes, as lanes of bytes or of units.
+template <class D>
+HWY_INLINE hn::Mask<D> passing(D d, hn::Vec<D> v, const PassingSet& set) {
+    const auto is = [d, v](std::uint8_t c) { return hn::Eq(v, hn::Set(d, c)); };
+    const auto above = hn::Sub(v, hn::Set(d, ' '));
+    const auto inSpan = hn::Eq(hn::Min(above, hn::Set(d, set.span)), above);
+    const auto markup = hn::Or(is(set.stops[0]), hn::Or(is(set.stops[1]), is(set.stops[2])));
+    const auto stops = hn::Or(markup, hn::Or(is(set.stops[3]), is(set.stops[4])));
+    return hn::And(hn::Or(inSpan, is(set.control)), hn::Not(stops));
+}
+
+// The first lane that does not pass, or the number of lanes.
+template <class D>
+HWY_INLINE std::size_t countPassing(D d, hn::Mask<D> passes) {
+    if (hn::AllTrue(d, passes)) [[likely]]
+        return hn::Lanes(d);
+    return hn::FindKnownFirstTrue(d, hn::Not(passes));
+}
+
+template <class D>
+HWY_INLINE bool copyVectors(D d, const std::uint8_t* in, std::size_t n, const PassingSet& set,
+                            char* out, std::size_t& done) {
+    const std::size_t lanes = hn::Lanes(d);
+    while (n - done >= lanes) {
+        const auto v = hn::LoadU(d, in + done);
+        hn::StoreU(v, d, reinterpret_cast<std::uint8_t*>(out + done));
+        const std::size_t passed = countPassing(d, passing(d, v, set));
+        done += passed;
+        if (passed != lanes) return false;
+    }
+    return true;
+}
+
+std::size_t copyPassing(const std::uint8_t* in, std::size_t n, const PassingSet& set, char* out) {
+    const hn::CappedTag<std::uint8_t, 2 * PASSING_GROUP> wide;
+    const hn::CappedTag<std::uint8_t, PASSING_GROUP> half;
+    std::size_t done = 0;
+    if (copyVectors(wide, in, n, set, out, done)) copyVectors(half, in, n, set, out, done);
+    return done;
+}
+
+std::size_t narrowPassing(const char16_t* in, std::size_t n, const PassingSet& set, char* out) {
+    const WideTag d;
+    const std::size_t lanes = hn::Lanes(d);
+    const std::size_t inGroups = n - n % PASSING_GROUP;
+    std::size_t done = 0;
+    while (done < inGroups) {
+        narrowVector(d, in + done, reinterpret_cast<std::uint8_t*>(out + done));
+        const std::size_t passed = countPassing(d, passing(d, load(d, in + done), set));
+        done += passed;
+        if (passed != lanes) break;
+    }
+    return done;
+}
+
 #endif
 
 }  // namespace HWY_NAMESPACE
@@ -308,6 +365,8 @@ HWY_EXPORT(widenAscii);
 HWY_EXPORT(isLatin1);
 HWY_EXPORT(narrowLatin1);
 HWY_EXPORT(widenLatin1);
+HWY_EXPORT(copyPassing);
+HWY_EXPORT(narrowPassing);
 
 namespace {
 
@@ -323,6 +382,8 @@ struct Kernels {
     bool (*isLatin1)(const char16_t*, std::size_t);
     void (*narrowLatin1)(const char16_t*, std::size_t, std::uint8_t*);
     void (*widenLatin1)(const std::uint8_t*, std::size_t, char16_t*);
+    std::size_t (*copyPassing)(const std::uint8_t*, std::size_t, const PassingSet&, char*);
+    std::size_t (*narrowPassing)(const char16_t*, std::size_t, const PassingSet&, char*);
 };
 
 Kernels selectKernels() noexcept {
@@ -330,7 +391,8 @@ Kernels selectKernels() noexcept {
         return {scalar::findTextStop,   scalar::findValueStop,     scalar::findUnit,
                 scalar::findMarkupStop, scalar::findLineBreakUnit, scalar::findColumnStop,
                 scalar::countLines,     scalar::widenAscii,        scalar::isLatin1,
-                scalar::narrowLatin1,   scalar::widenLatin1};
+                scalar::narrowLatin1,   scalar::widenLatin1,       scalar::copyPassing,
+                scalar::narrowPassing};
     }
     // The tables' first entry chooses at each call; asking for the targets once makes them hand out
     // the kernels.
@@ -340,7 +402,8 @@ Kernels selectKernels() noexcept {
             HWY_DYNAMIC_DISPATCH(findLineBreakUnit), HWY_DYNAMIC_DISPATCH(findColumnStop),
             HWY_DYNAMIC_DISPATCH(countLines),        HWY_DYNAMIC_DISPATCH(widenAscii),
             HWY_DYNAMIC_DISPATCH(isLatin1),          HWY_DYNAMIC_DISPATCH(narrowLatin1),
-            HWY_DYNAMIC_DISPATCH(widenLatin1)};
+            HWY_DYNAMIC_DISPATCH(widenLatin1),       HWY_DYNAMIC_DISPATCH(copyPassing),
+            HWY_DYNAMIC_DISPATCH(narrowPassing)};
 }
 
 constinit std::atomic<const Kernels*> chosenKernels{nullptr};
@@ -403,6 +466,16 @@ void narrowLatin1(const char16_t* in, std::size_t n, std::uint8_t* out) noexcept
 
 void widenLatin1(const std::uint8_t* in, std::size_t n, char16_t* out) noexcept {
     kernels().widenLatin1(in, n, out);
+}
+
+std::size_t copyPassing(const std::uint8_t* in, std::size_t n, const PassingSet& set,
+                        char* out) noexcept {
+    return kernels().copyPassing(in, n, set, out);
+}
+
+std::size_t narrowPassing(const char16_t* in, std::size_t n, const PassingSet& set,
+                          char* out) noexcept {
+    return kernels().narrowPassing(in, n, set, out);
 }
 
 }  // namespace RynCommon

@@ -22,6 +22,20 @@ struct LineCount {
     std::size_t charactersAfterLast = 0;
 };
 
+/// Characters that pass as they are: U+0020 to U+0020 + `span`, and `control`, without `stops`.
+/// All are ASCII.
+struct PassingSet {
+    std::uint8_t span;
+    std::uint8_t control;
+    std::uint8_t stops[5];
+
+    constexpr bool holds(unsigned unit) const {
+        for (const std::uint8_t stop : stops)
+            if (unit == stop) return false;
+        return unit == control || unit - 0x20u <= span;
+    }
+};
+
 /// First "<", "&" or "]" in [p, end), or `end`.
 const char16_t* findTextStop(const char16_t* p, const char16_t* end) noexcept;
 /// First `quote`, "<", "&", TAB, LF or CR in [p, end), or `end`.
@@ -51,6 +65,16 @@ void narrowLatin1(const char16_t* in, std::size_t n, std::uint8_t* out) noexcept
 /// Makes each byte a unit.
 void widenLatin1(const std::uint8_t* in, std::size_t n, char16_t* out) noexcept;
 
+/// Copies what passes from the start of `in`, in whole groups of PASSING_GROUP characters up to the
+/// first that does not pass, and returns the number copied. `out` has room for `n` bytes, all of
+/// which may be written to.
+constexpr std::size_t PASSING_GROUP = 16;
+std::size_t copyPassing(const std::uint8_t* in, std::size_t n, const PassingSet& set,
+                        char* out) noexcept;
+/// The same for units, which become bytes.
+std::size_t narrowPassing(const char16_t* in, std::size_t n, const PassingSet& set,
+                          char* out) noexcept;
+
 /// The scalar twins: the reference that the vector kernels are tested against, and what
 /// RYNCOMMON_SCALAR selects.
 namespace scalar {
@@ -65,6 +89,8 @@ std::size_t widenAscii(const std::uint8_t* in, std::size_t n, char16_t* out);
 bool isLatin1(const char16_t* p, std::size_t n);
 void narrowLatin1(const char16_t* in, std::size_t n, std::uint8_t* out);
 void widenLatin1(const std::uint8_t* in, std::size_t n, char16_t* out);
+std::size_t copyPassing(const std::uint8_t* in, std::size_t n, const PassingSet& set, char* out);
+std::size_t narrowPassing(const char16_t* in, std::size_t n, const PassingSet& set, char* out);
 }  // namespace scalar
 
 }  // namespace RynCommon

@@ -11,6 +11,14 @@ const char16_t* find(const char16_t* p, const char16_t* end, Units... units) {
     return p;
 }
 
+template <class Unit>
+std::size_t copyPassingOnes(const Unit* in, std::size_t n, const PassingSet& set, char* out) {
+    const std::size_t inGroups = n - n % PASSING_GROUP;
+    std::size_t i = 0;
+    for (; i < inGroups && set.holds(in[i]); ++i) out[i] = static_cast<char>(in[i]);
+    return i;
+}
+
 }  // namespace
 
 const char16_t* findTextStop(const char16_t* p, const char16_t* end) {
@@ -70,6 +78,14 @@ void narrowLatin1(const char16_t* in, std::size_t n, std::uint8_t* out) {
 
 void widenLatin1(const std::uint8_t* in, std::size_t n, char16_t* out) {
     for (std::size_t i = 0; i < n; ++i) out[i] = in[i];
+}
+
+std::size_t copyPassing(const std::uint8_t* in, std::size_t n, const PassingSet& set, char* out) {
+    return copyPassingOnes(in, n, set, out);
+}
+
+std::size_t narrowPassing(const char16_t* in, std::size_t n, const PassingSet& set, char* out) {
+    return copyPassingOnes(in, n, set, out);
 }
 
 }  // namespace RynCommon::scalar

@@ -80,6 +80,16 @@ void checkNarrowing(Units& run, std::size_t offset) {
     require(one == other, "narrowLatin1");
 }
 
+template <class Input, class Copy, class Twin>
+void checkPassing(Input& run, Copy copy, Twin twin, const char* what) {
+    const PassingSet set{0x5F, '\n', {'&', '<', '>', '"', '&'}};
+    std::string one(run.size(), '\0');
+    std::string other(run.size(), '\0');
+    const std::size_t count = copy(run.begin(), run.size(), set, one.data());
+    require(count == twin(run.begin(), run.size(), set, other.data()), what);
+    require(one.compare(0, count, other, 0, count) == 0, what);
+}
+
 void checkWidening(Bytes& run, std::size_t offset) {
     const std::u16string blank(run.size(), u'\0');
     Units one(blank.data(), run.size(), offset);
@@ -91,6 +101,7 @@ void checkWidening(Bytes& run, std::size_t offset) {
     const std::size_t count = widenAscii(run.begin(), run.size(), one.begin());
     require(count == scalar::widenAscii(run.begin(), run.size(), other.begin()), "widenAscii");
     require(std::equal(one.begin(), one.begin() + count, other.begin()), "widenAscii's units");
+    checkPassing(run, copyPassing, scalar::copyPassing, "copyPassing");
 }
 
 void checkUnits(const char16_t* units, std::size_t count, std::size_t offset, char16_t a,
@@ -99,6 +110,7 @@ void checkUnits(const char16_t* units, std::size_t count, std::size_t offset, ch
     checkFinding(run, a, b);
     checkCounting(run);
     checkNarrowing(run, offset / 2);
+    checkPassing(run, narrowPassing, scalar::narrowPassing, "narrowPassing");
 }
 
 }  // namespace

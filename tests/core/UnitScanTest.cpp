@@ -194,6 +194,33 @@ TEST(UnitScan, NarrowsAndWidensLatin1) {
     }
 }
 
+// Each unit at each place of a run that otherwise passes.
+TEST(UnitScan, CopiesWhatPasses) {
+    const PassingSet set{0x5E, '\n', {'&', '<', '>', '"', '&'}};
+    for (std::size_t length = 0; length <= 4 * PASSING_GROUP + 1; length += 7) {
+        UnitRun<char16_t> units(length, length % ALIGNMENTS, u'a');
+        UnitRun<std::uint8_t> bytes(length, length % ALIGNMENTS, 'a');
+        UnitRun<char> out(length, 1, '?');
+        const std::size_t inGroups = length - length % PASSING_GROUP;
+        for (std::size_t at = 0; at < length; ++at) {
+            for (unsigned unit = 0; unit < 0x200; unit += at % 3 == 0 ? 1 : 37) {
+                const std::size_t expected = set.holds(unit) ? inGroups : std::min(at, inGroups);
+                units[at] = static_cast<char16_t>(unit);
+                ASSERT_EQ(narrowPassing(units.begin(), length, set, out.begin()), expected)
+                    << length << " " << at << " " << unit;
+                if (expected > at) {
+                    ASSERT_EQ(out[at], static_cast<char>(unit));
+                }
+                if (unit > 0xFF) continue;
+                bytes[at] = static_cast<std::uint8_t>(unit);
+                ASSERT_EQ(copyPassing(bytes.begin(), length, set, out.begin()), expected);
+            }
+            units[at] = u'b';
+            bytes[at] = 'b';
+        }
+    }
+}
+
 // What the compiler works out for constant tables is what running code finds.
 TEST(TextHash, IsTheSameWhenCompiledAndWhenRun) {
     constexpr std::uint64_t compiled[] = {hashText(u"", 0, 1),       hashText(u"a", 1, 1),

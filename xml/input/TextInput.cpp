@@ -137,6 +137,7 @@ TextInput::Declared TextInput::useConverter(const UnicodeString& name, bool buil
 
 TextInput::Refill TextInput::refill() {
     countTo(windowEnd_);
+    if (stepping_ && stepAscii()) return Refill::WINDOW;
     if (windowEnd_ != decodedEnd_) {
         // The window ended before a U+FFFF, which is told of once and left out.
         window_ = counted_ = windowEnd_ + 1;
@@ -153,6 +154,22 @@ TextInput::Refill TextInput::refill() {
     columnStop_ = nullptr;
     if (windowEnd_ == window_ && windowEnd_ != decodedEnd_) return refill();
     return Refill::WINDOW;
+}
+
+/// A window of one character that is ASCII and no control character, in an encoding that writes it
+/// as one byte; false for all others. An XML declaration is nothing else, and reading it was a
+/// quarter of the time that a document of four kilobytes takes.
+bool TextInput::stepAscii() {
+    const bool isPlain = windowEnd_ == decodedEnd_ && !afterCarriageReturn_ && !isWide(kind_);
+    if (!isPlain || units_ == nullptr || !bytes_.need(1)) return false;
+    const std::uint8_t byte = *bytes_.begin();
+    if (byte < 0x20 || byte > 0x7E) return false;
+    bytes_.consume(1);
+    units_[0] = byte;
+    window_ = counted_ = units_.get();
+    windowEnd_ = decodedEnd_ = columnStop_ = window_ + 1;
+    ++unitsRead_;
+    return true;
 }
 
 /// Decodes the next bytes into units_. False at the end of input; the result may be empty after a

@@ -77,6 +77,7 @@ public:
 private:
     void reset();
     Declared useConverter(const UnicodeString& name, bool builtinOnly, bool rawFallback);
+    bool stepAscii();
     bool decodeMore();
     char16_t* decodeRest(char16_t* out);
     char16_t* decodeStep(char16_t* out);

@@ -1,10 +1,9 @@
 // The encoding loops of the serializer.
 //
 // A run is taken in pieces whose longest possible form fits into the free part of the buffer, so
-// that nothing inside of a piece tests for room. Within a piece, eight units at a time are compared
-// with all that may not pass as it is; a group in which nothing matches is narrowed to bytes at
-// once. Any other unit goes through a table of 128 actions, one table for each combination of
-// escapes, or, from U+0080 on, through the encoder.
+// that nothing inside of a piece tests for room. Within a piece, a vector kernel narrows what
+// passes as it is. A unit that does not, and the few behind it, go through a table of 128 actions,
+// one table for each combination of escapes, or, from U+0080 on, through the encoder.
 #include "xml/serializer/CharacterWriter.h"
 
 #include <unicode/utf16.h>
@@ -19,6 +18,8 @@ namespace {
 
 /// A run is cut into pieces only where the buffer has less room than for this many units.
 constexpr std::size_t SMALLEST_PIECE = 256;
+/// Units that are looked at one by one where one did not pass.
+constexpr std::ptrdiff_t FEW = 8;
 
 // Bits of UTF-8, a lone surrogate in its own three bytes.
 char* appendUtf8(char* out, std::uint32_t c) {
@@ -50,36 +51,6 @@ char* appendThreeByteRun(char* out, const char16_t*& p, const char16_t* end) {
         std::uint32_t bytes =
             0xE0 | c >> 12 | (0x80 | (c >> 6 & 0x3F)) << 8 | (0x80 | (c & 0x3F)) << 16;
         if constexpr (std::endian::native == std::endian::big) bytes = __builtin_bswap32(bytes);
-        std::memcpy(out, &bytes, sizeof bytes);
-    }
-    p = at;
-    return out;
-}
-
-constexpr std::size_t GROUP = 8;
-using UnitGroup [[gnu::vector_size(2 * GROUP)]] = std::uint16_t;
-using ByteGroup [[gnu::vector_size(GROUP)]] = std::uint8_t;
-
-bool needsLook(const UnitGroup& units, const EscapeStops& stops) {
-    const auto control = (units - 0x20 > stops.last) & (units != stops.lineFeed);
-    const auto found = control | (units == stops.ampersand) | (units == stops.less) |
-                       (units == stops.greater) | (units == stops.quote) |
-                       (units == stops.apostrophe);
-    std::uint64_t halves[2];
-    static_assert(sizeof halves == sizeof found);
-    std::memcpy(halves, &found, sizeof halves);
-    return (halves[0] | halves[1]) != 0;
-}
-
-// Copies groups of units as far as all of them pass; `p` moves with them.
-char* appendPassingGroups(char* out, const char16_t*& p, const char16_t* end,
-                          const EscapeStops& stops) {
-    const char16_t* at = p;
-    for (; static_cast<std::size_t>(end - at) >= GROUP; at += GROUP, out += GROUP) {
-        UnitGroup units;
-        std::memcpy(&units, at, sizeof units);
-        if (needsLook(units, stops)) break;
-        const ByteGroup bytes = __builtin_convertvector(units, ByteGroup);
         std::memcpy(out, &bytes, sizeof bytes);
     }
     p = at;
@@ -173,11 +144,15 @@ void CharacterWriter::write(const char16_t* text, std::size_t length, unsigned e
 char* CharacterWriter::encode(const char16_t* p, const char16_t* end, unsigned escapes, char* out) {
     if (isShiftJis_ && (escapes & ESCAPE_LINE_ENDS) != 0) escapes |= ESCAPE_DELETE;
     const EscapeTable& actions = ESCAPE_TABLES[escapes];
-    const EscapeStops stops(escapes);
     while (p != end) {
-        out = appendPassingGroups(out, p, end, stops);
-        const char16_t* const groupEnd = p + std::min<std::ptrdiff_t>(GROUP, end - p);
-        while (p < groupEnd) {
+        const auto left = static_cast<std::size_t>(end - p);
+        if (left >= PASSING_GROUP && *p < 128) {
+            const std::size_t passed = narrowPassing(p, left, PASSING_SETS[escapes], out);
+            p += passed;
+            out += passed;
+        }
+        const char16_t* const fewEnd = p + std::min<std::ptrdiff_t>(FEW, end - p);
+        while (p < fewEnd) {
             if (*p < 128) {
                 const EscapeAction action = actions[*p];
                 out = appendAction(out, action, *p);

@@ -10,6 +10,8 @@
 
 #include <RynCommon/Forward.h>
 
+#include "core/UnitScan.h"
+
 namespace RynCommon {
 
 /// What is escaped in a run, apart from what its place in the document asks for anyway.
@@ -75,22 +77,25 @@ inline constexpr auto ESCAPE_TABLES = [] {
     return tables;
 }();
 
-/// The characters that a vector comparison looks for. One that the escapes do not ask for repeats
-/// another or is U+0000, which never passes anyway.
-struct EscapeStops {
-    explicit constexpr EscapeStops(unsigned escapes)
-        : ampersand(escapes != ESCAPE_NONE ? '&' : '\0'),
-          less(escapes != ESCAPE_NONE ? '<' : '\0'),
-          greater(escapes != ESCAPE_NONE ? '>' : '\0'),
-          quote((escapes & ESCAPE_QUOTE) != 0 ? '"' : ampersand),
-          apostrophe((escapes & ESCAPE_APOSTROPHE) != 0 ? '\'' : ampersand),
-          last((escapes & ESCAPE_DELETE) != 0 ? 0x5E : 0x5F),
-          lineFeed((escapes & ESCAPE_CONTROLS) != 0 ? ' ' : '\n') {}
-
-    std::uint8_t ampersand, less, greater, quote, apostrophe;
-    std::uint8_t last;      // the last character that may pass, counted from U+0020
-    std::uint8_t lineFeed;  // the one control character that is frequent, where it passes
-};
+/// What passes, for the vector kernels. A stop that the escapes do not ask for repeats another or
+/// is U+0000, which never passes anyway; of the control characters only the frequent one is told.
+inline constexpr auto PASSING_SETS = [] {
+    std::array<PassingSet, 64> sets{};
+    for (unsigned escapes = 0; escapes < sets.size(); ++escapes) {
+        const auto when = [escapes](unsigned flag, char c, char otherwise) {
+            return static_cast<std::uint8_t>((escapes & flag) != 0 ? c : otherwise);
+        };
+        const bool none = escapes == ESCAPE_NONE;
+        const char ampersand = none ? '\0' : '&';
+        sets[escapes] = {
+            when(ESCAPE_DELETE, 0x5E, 0x5F),
+            when(ESCAPE_CONTROLS, ' ', '\n'),
+            {static_cast<std::uint8_t>(ampersand), static_cast<std::uint8_t>(none ? '\0' : '<'),
+             static_cast<std::uint8_t>(none ? '\0' : '>'), when(ESCAPE_QUOTE, '"', ampersand),
+             when(ESCAPE_APOSTROPHE, '\'', ampersand)}};
+    }
+    return sets;
+}();
 
 inline char* appendText(char* out, std::string_view text) {
     std::memcpy(out, text.data(), text.size());

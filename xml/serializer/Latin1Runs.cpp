@@ -1,13 +1,13 @@
 // Runs of text that a tree keeps as Latin-1.
 //
 // Nearly all of a document's texts and values are ASCII kept a byte a unit, which is what UTF-8 and
-// Shift_JIS write for it: they go into the buffer by moves of sixteen and eight bytes as long as
-// none of these bytes is to be looked at, instead of being widened first and narrowed again.
+// Shift_JIS write for it: a vector kernel copies whole groups into the buffer as far as they pass,
+// and the rest, which is all of most values, goes in words of eight bytes, instead of being widened
+// first and narrowed again.
 //
-// What is looked at is found by comparisons of all bytes at once. As signed numbers, control
-// characters and everything beyond ASCII are below a blank. "<" and ">" differ in one bit, and so
-// do "&" and the quote, so that one comparison behind an OR finds both. A line feed is a control
-// character that passes, and the only frequent one.
+// In words, "<" and ">" differ in one bit, and so do "&" and the quote, so that one comparison
+// behind an OR finds both. A line feed is a control character that passes, and the only frequent
+// one.
 #include <algorithm>
 #include <bit>
 
@@ -19,8 +19,7 @@ namespace RynCommon {
 namespace {
 
 constexpr std::size_t WORD = 8;
-constexpr std::size_t GROUP = 16;
-using Group [[gnu::vector_size(GROUP)]] = std::int8_t;
+constexpr std::size_t GROUP = PASSING_GROUP;
 
 constexpr std::uint64_t ONES = 0x0101010101010101u;
 constexpr std::uint64_t TOPS = ONES << 7;
@@ -29,33 +28,6 @@ std::uint64_t loadWord(const std::uint8_t* p) {
     std::uint64_t word;
     std::memcpy(&word, p, WORD);
     return word;
-}
-
-// Marks the bytes of a group that may not simply pass.
-template <unsigned escapes>
-auto findStops(const Group& bytes) {
-    const auto angle = (bytes | 2) == '>';
-    const auto control = (bytes < ' ') & (bytes != '\n');
-    if constexpr ((escapes & ESCAPE_QUOTE) != 0)
-        return control | angle | ((bytes | 4) == '&');
-    else
-        return control | angle | (bytes == '&');
-}
-
-// Position of the first mark; GROUP when there is none.
-template <class Marks>
-std::size_t firstOf(const Marks& marks) {
-    std::uint64_t halves[2];
-    static_assert(sizeof halves == sizeof marks);
-    std::memcpy(halves, &marks, sizeof halves);
-    if constexpr (std::endian::native == std::endian::little) {
-        if (halves[0] != 0) return static_cast<std::size_t>(std::countr_zero(halves[0])) / 8;
-        if (halves[1] != 0) return WORD + static_cast<std::size_t>(std::countr_zero(halves[1])) / 8;
-    } else {
-        if (halves[0] != 0) return static_cast<std::size_t>(std::countl_zero(halves[0])) / 8;
-        if (halves[1] != 0) return WORD + static_cast<std::size_t>(std::countl_zero(halves[1])) / 8;
-    }
-    return GROUP;
 }
 
 // Whether a byte is zero.
@@ -135,14 +107,13 @@ char* CharacterWriter::encodeGroups(const std::uint8_t*& p, const std::uint8_t* 
             next_ = out;
             out = room(GROUP * LONGEST_FORM);
         }
-        Group bytes;
-        std::memcpy(&bytes, at, GROUP);
-        std::memcpy(out, &bytes, GROUP);
-        const std::size_t passing = firstOf(findStops<escapes>(bytes));
-        at += passing;
-        out += passing;
-        if (passing == GROUP) [[likely]]
-            continue;
+        // As much as there is surely room for, a unit that does not pass included.
+        const auto free = static_cast<std::size_t>(end_ - out) - LONGEST_FORM;
+        const auto piece = std::min(static_cast<std::size_t>(end - at), free);
+        const std::size_t passed = copyPassing(at, piece, PASSING_SETS[escapes], out);
+        at += passed;
+        out += passed;
+        if (passed == piece - piece % GROUP) continue;
         out = encodeLatin1(at++, 1, escapes, out);
     }
     p = at;
