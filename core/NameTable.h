@@ -5,7 +5,7 @@
 #include <array>
 #include <atomic>
 #include <bit>
-#include <vector>
+#include <memory>
 
 #include <RynCommon/Forward.h>
 #include <RynCommon/RyNameEnum.h>
@@ -29,10 +29,8 @@ unsigned sharedNameGeneration() noexcept;
 /// The run-time names of a table: numbers from RYNAME_BUILTIN_LAST + 1 on, in the order of first
 /// use.
 ///
-/// An open hash table of numbers finds a text, and blocks of strings that are never moved find a
-/// number, so that references to the strings stay valid. Insertions are the caller's to serialise,
-/// and look-ups must not race with them; only last() may be asked at any time. A failed insertion
-/// leaves the table as it was.
+/// Insertions are the caller's to serialise. Everything else may be asked at any time, also during
+/// an insertion, without a lock. A failed insertion leaves the table as it was.
 class RuntimeNames {
 public:
     RuntimeNames();
@@ -50,25 +48,22 @@ public:
         return static_cast<std::uint32_t>(
             hashText(text, static_cast<std::size_t>(length), textHashSeed()));
     }
-    /// The number, or 0 for an unknown text.
+    /// The number, or 0 for an unknown text. A text that is being inserted is known or not.
     RyNameEnum find(const char16_t* text, std::int32_t length, std::uint32_t hash) const;
     /// The number, which is the next free one for an unknown text.
     RyNameEnum intern(const char16_t* text, std::int32_t length, std::uint32_t hash);
-    /// `number` is in RYNAME_BUILTIN_LAST + 1 to last(). Needs no lock.
+    /// `number` is in RYNAME_BUILTIN_LAST + 1 to last().
     const UnicodeString& text(RyNameEnum number) const {
         const Place place = placeOf(static_cast<std::size_t>(number - RYNAME_BUILTIN_LAST - 1));
         return blocks_[place.block].load(std::memory_order_relaxed)[place.offset];
     }
 
 private:
-    struct Slot {
-        std::uint32_t hash = 0;
-        std::int32_t number = 0;  // 0: free
-    };
+    class Index;
 
-    /// The slot of the text, or the free one where it belongs.
-    std::size_t slotOf(const char16_t* text, std::int32_t length, std::uint32_t hash) const;
-    void growSlots();
+    const Index& index() const { return *index_.load(std::memory_order_acquire); }
+    bool isText(std::int32_t number, const char16_t* text, std::int32_t length) const;
+    void growIndex();
     void appendText(const char16_t* text, std::int32_t length);
     std::size_t count() const;
     /// Where the text at `index` lies.
@@ -81,7 +76,8 @@ private:
         return {block, index - FIRST_BLOCK * ((std::size_t{1} << block) - 1)};
     }
 
-    std::vector<Slot> slots_;  // a power of two, at most half full
+    std::unique_ptr<Index> ownedIndex_;
+    std::atomic<const Index*> index_;  // the same, for readers
     // Texts never move: block k has room for FIRST_BLOCK << k of them, so that a number leads to
     // its text by two shifts. A block is stored before last_ tells of a text in it.
     static constexpr std::size_t FIRST_BLOCK = 1024;

@@ -1,5 +1,9 @@
 // The name table and the process-wide shared one.
 //
+// A known name is found without a lock; only the first one to need it takes the lock below to
+// insert it. So a thread takes it at most once for each text. Readers of the shared table pass a
+// gate, since its deletion, which anyone may cause, must not free it under them.
+//
 // Locks: one lock serialises the insertions into all tables and guards the pointer to the shared
 // table. Where the default lock is needed as well, as in cleanup(), it is taken first. A table's
 // destructor takes the table lock itself, since the last reference may be dropped by anyone; the
@@ -13,6 +17,7 @@
 #include "core/Decimal.h"
 #include "core/Immortal.h"
 #include "core/NameTable.h"
+#include "core/ReaderGate.h"
 
 namespace RynCommon {
 
@@ -20,6 +25,7 @@ namespace {
 
 constinit std::atomic<RyNameTable*> sharedNameTable{nullptr};
 constinit std::atomic<unsigned> tablesGone{0};
+constinit ReaderGate sharedReaders;
 
 RyLock& tableLock() {
     static Immortal<RyLock> lock;
@@ -45,7 +51,9 @@ RyNameTable::RyNameTable() : rep_(std::make_unique<Rep>()) {}
 RyNameTable::~RyNameTable() {
     const RyMutex guard(tableLock());
     RyNameTable* self = this;
-    if (sharedNameTable.compare_exchange_strong(self, nullptr)) ++tablesGone;
+    if (!sharedNameTable.compare_exchange_strong(self, nullptr)) return;
+    ++tablesGone;
+    sharedReaders.waitForReaders();
 }
 
 unsigned int RyNameTable::getTypeID() const {
@@ -113,6 +121,13 @@ RyNameEnum internSharedName(const char16_t* text, std::int32_t length) {
     if (length < 1) return RN_EMPTY;
     if (const RyNameEnum number = findBuiltinName(text, length)) return number;
     const std::uint32_t hash = RuntimeNames::hash(text, length);
+    {
+        const ReaderGate::Pass pass(sharedReaders);
+        const RyNameTable* const table = sharedNameTable.load(std::memory_order_seq_cst);
+        const RyNameEnum number =
+            table != nullptr ? table->rep_->names.find(text, length, hash) : RN_EMPTY;
+        if (number != RN_EMPTY) return number;
+    }
     const RyMutex guard(tableLock());
     return RyNameTable::setupSharedNameTable()->rep_->names.intern(text, length, hash);
 }
@@ -129,6 +144,8 @@ RyNameEnum RyNameTable::getNameEnum(const UnicodeString& text) {
     if (text.isEmpty()) return RN_EMPTY;
     if (const RyNameEnum number = getBuiltinNameEnum(text)) return number;
     const std::uint32_t hash = RuntimeNames::hash(text.getBuffer(), text.length());
+    if (const RyNameEnum number = rep_->names.find(text.getBuffer(), text.length(), hash))
+        return number;
     const RyMutex guard(tableLock());
     return rep_->names.intern(text.getBuffer(), text.length(), hash);
 }
