@@ -1,4 +1,4 @@
-// The constant strings and exact-size texts.
+// Exact-size texts.
 #include <RynCommon/RyString.h>
 #include <gtest/gtest.h>
 

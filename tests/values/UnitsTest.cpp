@@ -1,4 +1,4 @@
-// Unit texts, conversion between units and normalizing.
+// Conversion between units and normalizing.
 #include "values/Units.h"
 
 #include <cmath>
