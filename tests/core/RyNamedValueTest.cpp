@@ -123,6 +123,17 @@ TEST(RyNamedValueMap, TakesItsOwnEntriesAndManyOfThem) {
     }
 }
 
+TEST(RyNamedValueMap, DiesWithoutRecursion) {
+    RyPtr<RyNamedValueMap> outer(new RyNamedValueMap());
+    for (int depth = 0; depth < 200000; ++depth) {
+        RyPtr<RyNamedValueMap> next(new RyNamedValueMap());
+        next->setNamedItem(RN_auto, RyValue(outer.get()));
+        outer = next;
+    }
+    outer.reset();
+    EXPECT_EQ(outer.get(), nullptr);
+}
+
 TEST(RyNamedValueMapIterator, WalksBothWays) {
     RyNamedValueMap map;
     for (const int number : {3, 1, 2}) map.setNamedItem(RyName(number), RyValue(number * 10));

@@ -87,6 +87,7 @@ TEST(RyWritingMode, FromNames) {
         int index;
     } rows[] = {
         {u"lr", nullptr, 0},
+        {u"rl", nullptr, 1},
         {u"tb", nullptr, 2},
         {u"", nullptr, 0},
         {u"lr-tb", u"rtl", 1},

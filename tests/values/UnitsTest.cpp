@@ -12,6 +12,11 @@
 namespace RynCommon {
 namespace {
 
+TEST(Units, Texts) {
+    EXPECT_EQ(RyValue::getUnitString(RYUNIT_KHZ), u"kHz");
+    EXPECT_TRUE(RyValue::getUnitString(RYUNIT_NUMBER).isEmpty());
+}
+
 /// Every conversion there is between two different units, as the value of 1.
 std::map<std::pair<int, int>, double> makeConversions() {
     std::map<std::pair<int, int>, double> result = {{{RYUNIT_PERCENTAGE, RYUNIT_NUMBER}, 0.01},
