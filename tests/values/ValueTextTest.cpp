@@ -12,14 +12,6 @@
 namespace RynCommon {
 namespace {
 
-RyValue makeExample() {
-    RyValue value;
-    value.makeCompound();
-    value.setNamedItem(RyName(u"b"), RyValue(2, RYUNIT_PT));
-    value.setNamedItem(RyName(u"a"), 1);
-    return value;
-}
-
 TEST(ValueText, ToString) {
     // Numbers of names interned here ascend in this order.
     const RyName a(u"a");
@@ -38,15 +30,12 @@ TEST(ValueText, ToString) {
     nested.setNamedItem(RyName(), sparse);
     const std::pair<RyValue, const char*> rows[] = {
         {RyValue(), ""},
-        {-5, "-5"},
         {1e6, "1e+06"},
         {0.1, "0.1"},
-        {RyValue(12.5, RYUNIT_PT), "12.5pt"},
         {makeInteger(50, RYUNIT_PERCENTAGE), "50%"},
         {RyValue(1.0F / 3, RYUNIT_KHZ), "0.333333kHz"},
         {RyValue(7, RYUNIT_AREA), "7"},
         {RyValue(7, static_cast<RyValueUnitType>(25)), "7"},
-        {makeInteger(u'x', RYUNIT_CHARACTER), "x"},
         {makeInteger(0x1F600, RYUNIT_CHARACTER), "\xF0\x9F\x98\x80"},
         {makeInteger(0x110000, RYUNIT_CHARACTER), ""},
         {makeInteger(-1, RYUNIT_CHARACTER), ""},
@@ -65,12 +54,6 @@ TEST(ValueText, ToString) {
     }
 }
 
-TEST(ValueText, CompoundEntriesComeInNameOrder) {
-    // Whichever of the two names was interned first has the lower number.
-    const bool aIsFirst = RyNameEnum(RyName(u"a")) < RyNameEnum(RyName(u"b"));
-    EXPECT_EQ(s(makeExample().toString()), aIsFirst ? "{a: 1; b: 2pt}" : "{b: 2pt; a: 1}");
-}
-
 TEST(ValueText, ToValueTextIsWhatParsingReads) {
     const int last = RyNameTable::getSharedNameTable()->getNameLast();
     RyValue compound;
@@ -81,7 +64,6 @@ TEST(ValueText, ToValueTextIsWhatParsingReads) {
         {u"a name of nobody", "a name of nobody"},
         {u"unheard-of-in-value-texts", "\"unheard-of-in-value-texts\""},
         {RyValue(u"say \"a\"", RYUNIT_LITERAL), "'say \"a\"'"},
-        {RyValue(u"", RYUNIT_LITERAL), "\"\""},
         {u"", ""},
         {RyValue(u"a b", RYUNIT_URI), "url(\"a b\")"},
         {RyValue(1234567.5, RYUNIT_PT), "1234567.5pt"},

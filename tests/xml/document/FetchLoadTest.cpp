@@ -84,14 +84,4 @@ TEST(FetchLoading, DocumentsStandInTheirOwnUri) {
     }
 }
 
-TEST(FetchLoading, WhatDoesNotOpenIsAnError) {
-    RawServer server(serve);
-    const ScopedVariable noProxy("http_proxy");
-    const ScopedVariable noProxyForAll("all_proxy");
-    for (const std::string& uri : {std::string("jar:/no/such.zip!/a"), std::string("data:text/xml"),
-                                   server.url("/no/such")}) {
-        EXPECT_TRUE(errorOf([&] { load(uri, false); }).starts_with("4099 ")) << uri;
-    }
-}
-
 }  // namespace

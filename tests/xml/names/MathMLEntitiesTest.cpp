@@ -55,16 +55,7 @@ TEST(MathMLEntitiesTest, HoldsExactlyTheData) {
     EXPECT_EQ(listed, data);
 }
 
-TEST(MathMLEntitiesTest, Samples) {
-    const std::pair<const char16_t*, const char16_t*> rows[] = {
-        {u"block", u"\u2588"},    {u"marker", u"\u25AE"},
-        {u"zeetrf", u"\u2128"},   {u"lt", u"<"},
-        {u"nvlt", u"<\u20D2"},    {u"ThickSpace", u"\u2009\u200A\u200A"},
-        {u"Aopf", u"\U0001D538"}, {u"dagger", u"\u2020"},
-        {u"Dagger", u"\u2021"},
-    };
-    for (const auto& [name, text] : rows)
-        EXPECT_EQ(RyXmlParser::getMathMLEntity(name), UnicodeString(text));
+TEST(MathMLEntitiesTest, OtherNamesAreUnknown) {
     for (const char16_t* unknown : {u"", u"ZEETRF", u"zeetr", u"zeetrff", u"fjlig"}) {
         std::int32_t length = -7;
         EXPECT_EQ(MathMLEntities::find(unknown, length), nullptr);

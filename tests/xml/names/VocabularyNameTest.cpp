@@ -14,28 +14,25 @@ struct Row {
     const char16_t* text;
 };
 
-const Row MATHML_ROWS[] = {
-#define RYN_VOCABULARY_NAME(number, identifier, text) {number, u"" text},
-#include <RynCommon/MathMLNames.inc>
-#undef RYN_VOCABULARY_NAME
-};
-const Row SVG_ROWS[] = {
-#define RYN_VOCABULARY_NAME(number, identifier, text) {number, u"" text},
-#include <RynCommon/SVGNames.inc>
-#undef RYN_VOCABULARY_NAME
-};
-
 struct MathML {
     using Name = MathMLName;
     using Enum = MathMLNameEnum;
-    static std::vector<Row> rows() { return {std::begin(MATHML_ROWS), std::end(MATHML_ROWS)}; }
     static constexpr std::size_t COUNT = 281;
+    static constexpr Row ROWS[] = {
+#define RYN_VOCABULARY_NAME(number, identifier, text) {number, u"" text},
+#include <RynCommon/MathMLNames.inc>
+#undef RYN_VOCABULARY_NAME
+    };
 };
 struct SVG {
     using Name = SVGName;
     using Enum = SVGNameEnum;
-    static std::vector<Row> rows() { return {std::begin(SVG_ROWS), std::end(SVG_ROWS)}; }
     static constexpr std::size_t COUNT = 341;
+    static constexpr Row ROWS[] = {
+#define RYN_VOCABULARY_NAME(number, identifier, text) {number, u"" text},
+#include <RynCommon/SVGNames.inc>
+#undef RYN_VOCABULARY_NAME
+    };
 };
 
 template <class Vocabulary>
@@ -46,11 +43,10 @@ TYPED_TEST_SUITE(VocabularyNameTest, Vocabularies);
 TYPED_TEST(VocabularyNameTest, EveryNameBothWays) {
     using Name = typename TypeParam::Name;
     using Enum = typename TypeParam::Enum;
-    const auto rows = TypeParam::rows();
-    ASSERT_EQ(rows.size(), TypeParam::COUNT);
+    ASSERT_EQ(std::size(TypeParam::ROWS), TypeParam::COUNT);
     // The second round works on what the first left, the third starts anew.
     for (int round = 0; round < 3; ++round) {
-        for (const Row& row : rows) {
+        for (const Row& row : TypeParam::ROWS) {
             const auto number = static_cast<Enum>(row.number);
             const UnicodeString text(row.text);
             EXPECT_EQ(Name::toRyName(number).toString(), text);

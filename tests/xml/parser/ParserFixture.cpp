@@ -7,16 +7,6 @@
 
 namespace xmltest {
 
-UnicodeString fromUtf8(std::string_view text) {
-    return UnicodeString::fromUTF8(
-        icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
-}
-
-std::string toUtf8(const UnicodeString& text) {
-    std::string result;
-    return text.toUTF8String(result);
-}
-
 std::string shown(const UnicodeString& text) {
     std::string result;
     for (std::int32_t i = 0; i < text.length(); i = text.moveIndex32(i, 1)) {
@@ -92,6 +82,7 @@ ChunkBuf::int_type ChunkBuf::underflow() {
 }
 
 DripBuf::int_type DripBuf::underflow() {
+    ++calls_;
     demanded_ = std::max(demanded_, position_ + 1);
     return position_ < bytes_.size() ? traits_type::to_int_type(bytes_[position_])
                                      : traits_type::eof();
@@ -103,33 +94,21 @@ DripBuf::int_type DripBuf::uflow() {
     return c;
 }
 
-AnnouncingBuf::int_type AnnouncingBuf::underflow() {
-    ++calls_;
-    ++single_;
-    return position_ < bytes_.size() ? traits_type::to_int_type(bytes_[position_])
-                                     : traits_type::eof();
-}
-
-AnnouncingBuf::int_type AnnouncingBuf::uflow() {
-    const int_type c = underflow();
-    if (!traits_type::eq_int_type(c, traits_type::eof())) ++position_;
-    return c;
-}
-
-std::streamsize AnnouncingBuf::xsgetn(char* to, std::streamsize count) {
+std::streamsize DripBuf::xsgetn(char* to, std::streamsize count) {
     ++calls_;
     const std::size_t left = bytes_.size() - position_;
     const std::size_t wanted = static_cast<std::size_t>(count);
-    if (wanted > 1 && wanted > std::min(ready_, left)) greedy_ = true;
+    greedy_ = greedy_ || (wanted > 1 && wanted > std::min(ready_, left));
     const std::size_t given = std::min(wanted, left);
     std::copy_n(bytes_.data() + position_, given, to);
     position_ += given;
+    demanded_ = std::max(demanded_, position_);
     return static_cast<std::streamsize>(given);
 }
 
-std::streamsize AnnouncingBuf::showmanyc() {
+std::streamsize DripBuf::showmanyc() {
     const std::size_t left = bytes_.size() - position_;
-    return left == 0 ? -1 : static_cast<std::streamsize>(std::min(ready_, left));
+    return ready_ != 0 && left == 0 ? -1 : static_cast<std::streamsize>(std::min(ready_, left));
 }
 
 std::istream* Resources::getStream(const UnicodeString& uri, UnicodeString*) {

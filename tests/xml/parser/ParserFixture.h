@@ -19,6 +19,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/Text.h"
+
 namespace xmltest {
 
 using RynCommon::RyError;
@@ -31,8 +33,12 @@ using RynCommon::RyXmlUtil;
 using RynCommon::UnicodeString;
 using namespace std::string_literals;
 
-UnicodeString fromUtf8(std::string_view text);
-std::string toUtf8(const UnicodeString& text);
+inline UnicodeString fromUtf8(const std::string& text) {
+    return RynCommon::u(text);
+}
+inline std::string toUtf8(const UnicodeString& text) {
+    return RynCommon::s(text);
+}
 /// Text in printable ASCII: "\n", "\t", "\r", and "\u{85}" for every other character.
 std::string shown(const UnicodeString& text);
 /// Bytes of code points (surrogates and values above U+10FFFF are written as they are) in "UTF-8",
@@ -57,31 +63,14 @@ private:
     std::size_t delivered_ = 0;
 };
 
-/// Bytes of which none is ever known to be ready; records how far they were demanded, by looking or
-/// by taking.
+/// Bytes outside of the buffer, of which `ready` are known to be ready at a time; records how far
+/// and in how many calls they were demanded, by looking or by taking.
 class DripBuf : public std::streambuf {
 public:
-    explicit DripBuf(std::string bytes) : bytes_(std::move(bytes)) {}
+    explicit DripBuf(std::string bytes, std::size_t ready = 0)
+        : bytes_(std::move(bytes)), ready_(ready) {}
     std::size_t demanded() const { return demanded_; }
-
-protected:
-    int_type underflow() override;
-    int_type uflow() override;
-    std::streamsize showmanyc() override { return 0; }
-
-private:
-    std::string bytes_;
-    std::size_t position_ = 0;
-    std::size_t demanded_ = 0;
-};
-
-/// Bytes that lie ready outside of the buffer, `ready` of them at a time; counts how they are
-/// fetched.
-class AnnouncingBuf : public std::streambuf {
-public:
-    AnnouncingBuf(std::string bytes, std::size_t ready) : bytes_(std::move(bytes)), ready_(ready) {}
     std::size_t calls() const { return calls_; }
-    std::size_t single() const { return single_; }
     bool askedForMoreThanReady() const { return greedy_; }
 
 protected:
@@ -94,8 +83,8 @@ private:
     std::string bytes_;
     std::size_t ready_;
     std::size_t position_ = 0;
+    std::size_t demanded_ = 0;
     std::size_t calls_ = 0;
-    std::size_t single_ = 0;
     bool greedy_ = false;
 };
 

@@ -23,9 +23,7 @@ std::string withoutNumbers(std::string text) {
 }
 
 TEST(SerializerPrefixTest, TagsAndPrefixes) {
-    const RyName xmlns = RN_xmlns, xmlnsNs = RN_NS_xmlns;
     const std::vector<Case> cases = {
-        {"empty element", calls("<a /a"), "<a/>"},
         {"two levels", calls("<a <b /b x /a"), "<a><b/>x</a>"},
         {"declared after the attributes, not again below",
          calls("<p:a@1 @b=1 <p:b@1 @p:a@1=2 /b@1 /a@1"),
@@ -46,18 +44,9 @@ TEST(SerializerPrefixTest, TagsAndPrefixes) {
          "<p:a -N*:b=\"1\" -N*:a=\"2\" xmlns:p=\"urn:1\" xmlns:-N*=\"urn:2\">"},
         {"an inherited prefix in use is not bound anew", calls("<p:a@1 <p:b@1 @p:b@2=1"),
          "<p:a xmlns:p=\"urn:1\"><p:b -N*:b=\"1\" xmlns:-N*=\"urn:2\">"},
-        {"a declaration gives way to a name",
-         [=](auto& s) {
-             s.startTag(NONE, NONE, A, false);
-             s.attribute(xmlnsNs, xmlns, P, u"urn:1");
-             s.attribute(NS2, P, B, u"1");
-         },
+        {"a declaration gives way to a name", calls("<a @xmlns:p@xmlns=urn:1 @p:b@2=1"),
          "<a p:b=\"1\" xmlns:p=\"urn:2\" xmlns:-N*=\"urn:1\">"},
-        {"and comes too late after one",
-         [=](auto& s) {
-             s.startTag(NS1, P, A, false);
-             s.attribute(xmlnsNs, xmlns, P, u"urn:2");
-         },
+        {"and comes too late after one", calls("<p:a@1 @xmlns:p@xmlns=urn:2"),
          "<p:a xmlns:p=\"urn:1\" xmlns:-N*=\"urn:2\">"},
         {"setPrefix gives way, too", calls("+p@1 <p:a@2"),
          "<p:a xmlns:p=\"urn:2\" xmlns:-N*=\"urn:1\">"},
@@ -67,30 +56,12 @@ TEST(SerializerPrefixTest, TagsAndPrefixes) {
          calls("<p:a@1 +p@1 +q@2 x <q:b@2 /b@2 +q@2 /a@1"),
          "<p:a xmlns:p=\"urn:1\">x<q:b xmlns:q=\"urn:2\"/></p:a>"},
         {"explicit declarations are always written, in order",
-         [=](auto& s) {
-             s.startTag(NS1, P, A, false);
-             s.startTag(NS1, P, B, false);
-             s.attribute(xmlnsNs, xmlns, Q, u"u&\"");
-             s.attribute(NONE, NONE, xmlns, u"urn:2");
-             s.attribute(NONE, xmlns, P, u"urn:1");
-         },
+         calls("<p:a@1 <p:b@1 @xmlns:q@xmlns=u&\" @:xmlns=urn:2 @xmlns:p=urn:1"),
          "<p:a xmlns:p=\"urn:1\"><p:b xmlns:q=\"u&amp;&quot;\" xmlns=\"urn:2\" xmlns:p=\"urn:1\">"},
-        {"a default on an element without a namespace",
-         [=](auto& s) {
-             s.startTag(NONE, NONE, A, false);
-             s.attribute(NONE, xmlns, u"urn:1");
-             s.startTag(NONE, NONE, B, false);
-             s.attribute(NONE, xmlns, u"urn:1");
-         },
+        {"a default on an element without a namespace", calls("<a @xmlns=urn:1 <b @xmlns=urn:1"),
          "<a xmlns=\"urn:1\"><b xmlns=\"\" xmlns:-N*=\"urn:1\">"},
         {"xml is never declared",
-         [=](auto& s) {
-             s.startTag(NONE, NONE, A, false);
-             s.attribute(RN_NS_xml, RN_lang, u"de");
-             s.attribute(RN_NS_xml, Q, name(u"space"), u"preserve");
-             s.attribute(xmlnsNs, xmlns, RN_xml, u"urn:1");
-             s.attribute(NS1, RN_xml, A, u"1");
-         },
+         calls("<a @lang@xml=de @q:space@xml=preserve @xmlns:xml@xmlns=urn:1 @xml:a@1=1"),
          "<a xml:lang=\"de\" xml:space=\"preserve\" -N*:a=\"1\" xmlns:-N*=\"urn:1\">"},
         {"a prefix without a namespace is written", calls("<p:a @q:b=1"), "<p:a q:b=\"1\">"},
     };
@@ -132,7 +103,7 @@ TEST(SerializerPrefixTest, PrefixQueries) {
 }
 
 TEST(SerializerPrefixTest, ManyDeclarations) {
-    constexpr int COUNT = 60000;
+    constexpr int COUNT = 6000;
     std::ostringstream out;
     const RyPtr<RyXmlSerializer> s = makeSerializer();
     s->setOutput(&out, UnicodeString());
@@ -148,7 +119,7 @@ TEST(SerializerPrefixTest, ManyDeclarations) {
         s->attribute(ns, A, UnicodeString());
     }
     s->endDocument();
-    EXPECT_NE(out.str().find(" p59999:a=\"\""), std::string::npos);
+    EXPECT_NE(out.str().find(" p5999:a=\"\""), std::string::npos);
     EXPECT_EQ(out.str().find("-N"), std::string::npos);
 }
 

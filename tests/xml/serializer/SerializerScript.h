@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/Text.h"
 #include "xml/serializer/XmlSerializerImpl.h"
 
 namespace RynCommon {
@@ -42,40 +43,75 @@ inline const RyName Q = name(u"q");
 inline const RyName NS1 = name(u"urn:1");
 inline const RyName NS2 = name(u"urn:2");
 
+inline RyName partOf(const std::string& text) {
+    return RyName(u(text));
+}
+
+inline RyName namespaceOf(const std::string& key) {
+    if (key == "xml") return RN_NS_xml;
+    return key == "xmlns" ? RyName(RN_NS_xmlns) : partOf("urn:" + key);
+}
+
+/// Makes the call that a word asks for if it takes no name; false for the others.
+inline bool callWithText(RyXmlSerializer& serializer, const std::string& word) {
+    const UnicodeString rest = u(word.substr(1));
+    switch (word[0]) {
+        case '<':
+        case '/':
+        case '+':
+        case '@':
+            return false;
+        case '?':
+            serializer.processingInstruction(rest);
+            return true;
+        case '#':
+            serializer.comment(rest);
+            return true;
+        case '&':
+            serializer.entityRef(rest);
+            return true;
+        case '[':
+            serializer.cdsect(rest);
+            return true;
+        default:
+            serializer.text(u(word));
+            return true;
+    }
+}
+
+inline void callWithName(RyXmlSerializer& serializer, const std::string& word) {
+    const std::size_t equals = std::min(word.find('='), word.size());
+    const UnicodeString value = u(word.substr(std::min(equals + 1, word.size())));
+    std::string qname = word.substr(1, equals - 1);
+    const std::size_t at = std::min(qname.find('@'), qname.size());
+    const RyName ns = at < qname.size() ? namespaceOf(qname.substr(at + 1)) : RyName();
+    const bool generate = qname[0] == '*';
+    qname = qname.substr(generate, at - generate);
+    const std::size_t colon = qname.find(':');
+    const RyName local = partOf(colon == qname.npos ? qname : qname.substr(colon + 1));
+    const RyName prefix = colon == qname.npos ? RyName() : partOf(qname.substr(0, colon));
+    if (word[0] == '<')
+        serializer.startTag(ns, prefix, local, generate);
+    else if (word[0] == '/')
+        serializer.endTag(ns, local);
+    else if (word[0] == '+')
+        serializer.setPrefix(local, ns);
+    else if (colon == qname.npos)
+        serializer.attribute(ns, local, value);
+    else
+        serializer.attribute(ns, prefix, local, value);
+}
+
 /// Calls as words: "<p:a@1" starts a tag of prefix p in the namespace urn:1, "<*p:a@1" one whose
 /// prefix may be generated, "/a@1" ends one; "@a@1=v" sets an attribute without a word on its
-/// prefix, "@p:a@1=v" one with it (":a@1" the empty one); "+p@1" is setPrefix, any other word text.
+/// prefix, "@p:a@1=v" one with it (":a@1" the empty one); "+p@1" is setPrefix, "?t" a processing
+/// instruction, "#c" a comment, "&e" a reference, "[x" a CDATA section, any other word text.
+/// "@xml" and "@xmlns" stand for the namespaces of those prefixes.
 inline Script calls(const std::string& words) {
     return [words](RyXmlSerializer& serializer) {
-        const auto part = [](const std::string& text) {
-            return RyName(UnicodeString::fromUTF8(text));
-        };
         std::istringstream in(words);
-        for (std::string word; in >> word;) {
-            const std::size_t equals = std::min(word.find('='), word.size());
-            const UnicodeString value =
-                UnicodeString::fromUTF8(word.substr(std::min(equals + 1, word.size())));
-            std::string qname = word.substr(1, equals - 1);
-            const std::size_t at = std::min(qname.find('@'), qname.size());
-            const RyName ns = at < qname.size() ? part("urn:" + qname.substr(at + 1)) : RyName();
-            const bool generate = qname[0] == '*';
-            qname = qname.substr(generate, at - generate);
-            const std::size_t colon = qname.find(':');
-            const RyName local = part(colon == qname.npos ? qname : qname.substr(colon + 1));
-            const RyName prefix = colon == qname.npos ? RyName() : part(qname.substr(0, colon));
-            if (word[0] == '<')
-                serializer.startTag(ns, prefix, local, generate);
-            else if (word[0] == '/')
-                serializer.endTag(ns, local);
-            else if (word[0] == '+')
-                serializer.setPrefix(local, ns);
-            else if (word[0] != '@')
-                serializer.text(UnicodeString::fromUTF8(word));
-            else if (colon == qname.npos)
-                serializer.attribute(ns, local, value);
-            else
-                serializer.attribute(ns, prefix, local, value);
-        }
+        for (std::string word; in >> word;)
+            if (!callWithText(serializer, word)) callWithName(serializer, word);
     };
 }
 
@@ -107,9 +143,7 @@ inline Failure failureOf(const std::function<void()>& call) {
     try {
         call();
     } catch (const RyError& error) {
-        Failure failure{error.getErrorCode(), {}, error.getSource()};
-        error.getRawMessage().toUTF8String(failure.message);
-        return failure;
+        return {error.getErrorCode(), s(error.getRawMessage()), error.getSource()};
     }
     return {};
 }

@@ -3,16 +3,6 @@
 
 namespace treetest {
 
-std::string utf8(const UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
-
-UnicodeString units(std::string_view text) {
-    return UnicodeString::fromUTF8(
-        icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
-}
-
 namespace {
 
 std::string dumpChildren(const RyNode& node) {
@@ -81,7 +71,7 @@ std::string errorOf(const std::function<void()>& action) {
     return "none";
 }
 
-RyPtr<RyDocument> documentOf(std::string_view xml) {
+RyPtr<RyDocument> documentOf(const std::string& xml) {
     RyPtr<RyDocument> document = new RyDocument;
     document->loadXml(units(xml));
     return document;

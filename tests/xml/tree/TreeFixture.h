@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/Text.h"
+
 namespace treetest {
 
 using RynCommon::RyAttr;
@@ -27,9 +29,13 @@ using RynCommon::RyTreeIterator;
 using RynCommon::RyValue;
 using RynCommon::UnicodeString;
 
-std::string utf8(const UnicodeString& text);
-UnicodeString units(std::string_view text);
-inline RyName name(std::string_view text) {
+inline std::string utf8(const UnicodeString& text) {
+    return RynCommon::s(text);
+}
+inline UnicodeString units(const std::string& text) {
+    return RynCommon::u(text);
+}
+inline RyName name(const std::string& text) {
     return RyName(units(text));
 }
 
@@ -42,7 +48,7 @@ std::string brokenLinks(const RyNode& root);
 std::string errorOf(const std::function<void()>& action);
 
 /// A document of that text.
-RyPtr<RyDocument> documentOf(std::string_view xml);
+RyPtr<RyDocument> documentOf(const std::string& xml);
 /// Saved without declaration and generator comment.
 std::string savedXml(RyDocument& document, RyNode* node = nullptr);
 std::string repeat(std::string_view piece, int times);
