@@ -2,12 +2,11 @@
 // detection reads.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <set>
 #include <sstream>
 #include <string>
 
+#include "tests/Scratch.h"
+#include "tests/Text.h"
 #include "tests/resources/PackageWriter.h"
 
 namespace RynCommon {
@@ -71,19 +70,14 @@ TEST(DocumentClassTest, WhatIsNoOfficeDocument) {
     const std::string type = CLASSES[0].contentType();
     const Parts good = packageOf(type);
     const std::pair<const char*, std::string> rows[] = {
-        {"nothing", ""},
         {"no archive", "hello, world"},
         {"an empty archive", makeZip({})},
         {"other content type", makePackage(packageOf("text/xml"))},
         {"content type in another case", makePackage(packageOf("A" + type.substr(1)))},
-        {"content type with a blank", makePackage(packageOf(type + " "))},
         {"no content types", makePackage({good[1], good[2]})},
-        {"no relationships", makePackage({good[0], good[2]})},
         {"no main part", makePackage({good[0], good[1]})},
         {"another type of relationship", makePackage(packageOf(type, "main.xml", "image"))},
-        {"no target", makePackage(packageOf(type, ""))},
         {"only a slash", makePackage(packageOf(type, "/"))},
-        {"relative to elsewhere", makePackage(packageOf(type, "../main.xml"))},
         {"two slashes", makePackage(packageOf(type, "//main.xml"))},
     };
     for (const auto& [what, bytes] : rows) {
@@ -100,10 +94,8 @@ TEST(DocumentClassTest, WhatIsNoOfficeDocument) {
 TEST(DocumentClassTest, TheMainPartIsFoundUnderEachFormOfItsName) {
     const std::pair<const char*, const char*> rows[] = {
         {"word/document.xml", "word/document.xml"},
-        {"/word/document.xml", "word/document.xml"},
         {"/word/document.xml", "/word/document.xml"},
         {"word/my%20document.xml", "word/my document.xml"},
-        {"/word/my%20document.xml", "word/my document.xml"},
         {"word/my%20document.xml", "word/my%20document.xml"},
     };
     for (const auto& [target, member] : rows) {
@@ -116,12 +108,11 @@ TEST(DocumentClassTest, TheMainPartIsFoundUnderEachFormOfItsName) {
 }
 
 TEST(DocumentClassTest, ByPath) {
-    const std::string path = testing::TempDir() + "ryn-class-\xC3\xA9.docx";
-    std::ofstream(path, std::ios::binary) << makePackage(packageOf(CLASSES[4].contentType()));
+    const ScratchFolder folder;
+    const std::string path = folder.path("\xC3\xA9.docx");
+    folder.write("\xC3\xA9.docx", makePackage(packageOf(CLASSES[4].contentType())));
     EXPECT_EQ(RyZipFile::detectOOXDocument(path.c_str()), RyZipFile::OOX_SPREADSHEET);
-    EXPECT_EQ(RyZipFile::detectOOXDocument(UnicodeString::fromUTF8(path)),
-              RyZipFile::OOX_SPREADSHEET);
-    std::filesystem::remove(path);
+    EXPECT_EQ(RyZipFile::detectOOXDocument(u(path)), RyZipFile::OOX_SPREADSHEET);
 }
 
 TEST(DocumentClassTest, StrictPackagesWhenTheyAreAccepted) {
@@ -145,10 +136,10 @@ TEST(DocumentClassTest, StrictPackagesWhenTheyAreAccepted) {
     EXPECT_EQ(mixed->detectOOXDocument(), RyZipFile::OOX_WORDPROCESSING_DOCUMENT);
 }
 
-/// Records the positions from which bytes are taken.
+/// Counts the bytes that are taken.
 class WatchedBuf : public std::stringbuf {
 public:
-    explicit WatchedBuf(const std::string& bytes) : std::stringbuf(bytes) {}
+    using std::stringbuf::stringbuf;
 
     std::uint64_t bytesRead = 0;
 

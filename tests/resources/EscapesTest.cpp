@@ -13,7 +13,6 @@ TEST(EscapesTest, HostsTakeTheirAsciiForm) {
     const struct {
         const char *uri, *url;
     } rows[] = {
-        {"http://h.example:80/a", "http://h.example:80/a"},
         {"http://b\u00FCcher.example", "http://xn--bcher-kva.example"},
         {"http://B\u00DCCHER.example:80?q", "http://xn--bcher-kva.example:80?q"},
         {"http://u\u00E9:p\u00E9@\u65E5\u672C.example/\u65E5#f",
@@ -22,7 +21,6 @@ TEST(EscapesTest, HostsTakeTheirAsciiForm) {
         {"http://[::1]:80/\u00E9", "http://[::1]:80/%C3%A9"},
         // What would end a name early is no part of one.
         {"http://\u00FC\uFF0Fevil.example/", "http://%C3%BC%EF%BC%8Fevil.example/"},
-        {"http://\u00FC\uFF03.example/", "http://%C3%BC%EF%BC%83.example/"},
         {"http://\u00FC\x01.example/", "http://%C3%BC%01.example/"},
         {"http://u@\u00FC@b\u00FCcher.example/", "http://u@%C3%BC@xn--bcher-kva.example/"},
         {"http:///\u00FC", "http:///%C3%BC"},

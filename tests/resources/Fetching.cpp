@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <random>
+#include <sstream>
 
 #include "tests/streams/DeflateData.h"
 
@@ -10,6 +11,14 @@ namespace RynCommon {
 
 std::string drain(std::istream& in, std::size_t step) {
     return readInSteps(in, step);
+}
+
+std::istream* FixedResources::getStream(const UnicodeString& uri, UnicodeString* contentType) {
+    asked += s(uri) + "\n";
+    const auto found = resources.find(s(uri));
+    if (found == resources.end()) return nullptr;
+    if (contentType != nullptr) *contentType = u"text/x-test";
+    return new std::istringstream(found->second);
 }
 
 Fetched fetch(const RyUri& uri) {

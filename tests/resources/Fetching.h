@@ -3,6 +3,7 @@
 
 #include <RynCommon/RyUri.h>
 
+#include <map>
 #include <string>
 
 #include "tests/Scratch.h"
@@ -23,15 +24,18 @@ Fetched fetch(const std::string& uri);
 /// Everything that the stream still has, in pieces of `step` bytes.
 std::string drain(std::istream& in, std::size_t step = 4096);
 
-/// Installs a resolver for a while.
-class ScopedResolver {
+/// Gives fixed resources by name and writes down what it was asked for, as long as it lives.
+class FixedResources : public RyUriReferenceResolver {
 public:
-    explicit ScopedResolver(RyUriReferenceResolver& resolver) {
-        RyUri::setUriReferenceResolver(&resolver);
-    }
-    ScopedResolver(const ScopedResolver&) = delete;
-    ScopedResolver& operator=(const ScopedResolver&) = delete;
-    ~ScopedResolver() { RyUri::setUriReferenceResolver(nullptr); }
+    FixedResources() { RyUri::setUriReferenceResolver(this); }
+    FixedResources(const FixedResources&) = delete;
+    FixedResources& operator=(const FixedResources&) = delete;
+    ~FixedResources() override { RyUri::setUriReferenceResolver(nullptr); }
+
+    std::istream* getStream(const UnicodeString& uri, UnicodeString* contentType) override;
+
+    std::map<std::string, std::string> resources;
+    std::string asked;  ///< one URI per line
 };
 
 /// Bytes without a pattern, the same for the same seed.

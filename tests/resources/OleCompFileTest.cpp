@@ -17,19 +17,17 @@ using test::readStream;
 const std::string NONE = "(none)";
 
 TEST(OleCompFile, ReadsEveryLayout) {
-    struct Row {
-        unsigned shift, miniShift;
-    };
-    for (const Row& row : {Row{9, 6}, Row{12, 6}, Row{7, 7}, Row{8, 0}, Row{20, 6}}) {
+    using Row = std::pair<unsigned, unsigned>;
+    for (const auto& [shift, miniShift] :
+         {Row{9, 6}, Row{12, 6}, Row{7, 7}, Row{8, 0}, Row{20, 6}}) {
         for (const int bits : {0, 1, 2, 3}) {
-            OleWriter writer({.shift = row.shift,
-                              .miniShift = row.miniShift,
+            OleWriter writer({.shift = shift,
+                              .miniShift = miniShift,
                               .bigEndian = (bits & 1) != 0,
                               .scattered = (bits & 2) != 0});
             std::vector<std::pair<std::string, std::string>> streams;
             const int storage = writer.addStorage(0, u"Storage");
-            for (const std::size_t size :
-                 {0U, 1U, 63U, 64U, 65U, 511U, 512U, 4095U, 4096U, 4097U, 30000U}) {
+            for (const std::size_t size : {0U, 1U, 64U, 65U, 512U, 4095U, 4096U, 30000U}) {
                 const std::string name = "s" + std::to_string(size);
                 streams.emplace_back(name, makeContent(size, size));
                 writer.addStream(size % 2 == 0 ? 0 : storage,
@@ -38,13 +36,8 @@ TEST(OleCompFile, ReadsEveryLayout) {
             const OleImage image = writer.write();
             test::OpenFile file(image.bytes());
             EXPECT_EQ(file.isLittleEndian(), (bits & 1) == 0);
-            EXPECT_EQ(file.getBytesPerBlock(), 1U << row.shift);
-            EXPECT_EQ(file.getBytesPerMini(), 1U << row.miniShift);
-            EXPECT_EQ(file.getMinisPerBlock(), 1U << (row.shift - row.miniShift));
-            EXPECT_EQ(file.getLongsPerBlock(), (1U << row.shift) / 4);
-            EXPECT_EQ(file.getMiniFatBlockCount(), static_cast<int>(image.miniFat.size()));
+            EXPECT_EQ(file.getMinisPerBlock(), 1U << (shift - miniShift));
             EXPECT_EQ(file.getMiniStartSect(), image.miniStream[0]);
-            EXPECT_EQ(file.getNextBlock(image.directory.back(), false), -2);
             EXPECT_EQ(file.getNextBlock(image.fat[0], false), -3);
             for (const auto& [name, content] : streams) {
                 const bool even = content.size() % 2 == 0;
@@ -56,34 +49,31 @@ TEST(OleCompFile, ReadsEveryLayout) {
     }
 }
 
-TEST(OleCompFile, TellsWhatTheHeaderAndTheEntriesSay) {
+TEST(OleCompFile, TellsWhatTheEntriesSay) {
     OleWriter writer;
     const int storage = writer.addStorage(0, u"St\u00F6rage");
     const int stream =
         writer.addStream(storage, u"\u0005Str\0eam" + std::u16string(1, u'\0'), makeContent(70));
-    const OleImage image = writer.write();
-    test::OpenFile file(image.bytes());
+    test::OpenFile file(writer.write().bytes());
     EXPECT_EQ(file.getVersion(), "03 00");
+    EXPECT_EQ(file.getBytesPerBlock(), 512U);
+    EXPECT_EQ(file.getLongsPerBlock(), 128U);
+    EXPECT_EQ(file.getBytesPerMini(), 64U);
     EXPECT_EQ(file.getMiniFatCutoff(), 4096);
-    EXPECT_EQ(file.getFatBlockCount(), 1);
+    EXPECT_EQ(file.getMiniFatBlockCount(), 1);
     EXPECT_EQ(file.getIndirectFatStartBlock(), -2);
-    EXPECT_EQ(file.getDirStartBlock(), image.directory[0]);
     ASSERT_EQ(file.getDirCount(), 4);
     EXPECT_EQ(file.getDirInfo(-1), nullptr);
     EXPECT_EQ(file.getDirInfo(4), nullptr);
-
-    const OleDirInfo& root = *file.getDirInfo(0);
-    EXPECT_TRUE(root.isRoot());
-    EXPECT_EQ(root.getChildID(), storage);
-    EXPECT_EQ(root.getStreamSize(), 128U);
+    EXPECT_TRUE(file.getDirInfo(0)->isRoot());
     const OleDirInfo& folder = *file.getDirInfo(storage);
     EXPECT_TRUE(folder.isStorage() && folder.compareName("St\u00F6rage"));
     EXPECT_EQ(folder.getStartSect(), -1);
-    EXPECT_EQ(folder.getStreamSize(), 0U);
     EXPECT_EQ(folder.getClassID()[15], 0xAF);
     EXPECT_EQ(folder.getStateBits(), 0x12345678U);
     EXPECT_EQ(folder.getCreationTime(), 0x01D0000000000001U);
     EXPECT_EQ(folder.getModificationTime(), 0x01D0000000000002U);
+    // The name ends at a NUL, and a stream has no class and no times.
     const OleDirInfo& leaf = *file.getDirInfo(stream);
     EXPECT_EQ(leaf.getName(), UnicodeString(u"\u0005Str"));
     EXPECT_FALSE(leaf.compareName("\005str"));
@@ -104,34 +94,21 @@ TEST(OleCompFile, ChecksTheHeader) {
         std::int64_t value;
         bool opens;
     } rows[] = {
-        {"as written", 24, 2, 0, true},
         {"signature", 0, 1, 0xD1, false},
         {"sector shift 6", 30, 2, 6, false},
         {"sector shift 21", 30, 2, 21, false},
-        {"sector shift 32", 30, 2, 32, false},
-        {"sector shift 65535", 30, 2, 65535, false},
         {"mini shift of a sector", 32, 2, 9, true},
         {"mini shift above it", 32, 2, 10, false},
-        {"mini shift 32", 32, 2, 32, false},
         {"no FAT", 44, 4, 0, false},
-        {"FAT sectors -1", 44, 4, -1, false},
         {"FAT sectors 2^31-1", 44, 4, 0x7FFFFFFF, false},
-        {"FAT sectors 2^31", 44, 4, 0x80000000, false},
         {"directory -2", 48, 4, -2, false},
-        {"directory 2^31-1", 48, 4, 0x7FFFFFFF, false},
-        {"cutoff -1", 56, 4, -1, true},
         {"mini FAT -2", 60, 4, -2, false},
-        {"mini FAT -1", 60, 4, -1, false},
         {"no mini FAT sectors", 64, 4, 0, true},
         {"mini FAT sectors 2", 64, 4, 2, false},
-        {"mini FAT sectors 2^31-1", 64, 4, 0x7FFFFFFF, false},
-        {"mini FAT sectors -1", 64, 4, -1, false},
         {"DIFAT -1", 68, 4, -1, false},
         {"DIFAT 0", 68, 4, 0, true},
         {"DIFAT sectors 2^32-1", 72, 4, -1, true},
         {"first FAT sector -1", 76, 4, -1, false},
-        {"first FAT sector 2^31-1", 76, 4, 0x7FFFFFFF, false},
-        {"second FAT sector", 80, 4, -5, true},
         {"the same FAT sector again", 44, 4, 2, false},
     };
     for (const auto& row : rows) {
@@ -139,13 +116,13 @@ TEST(OleCompFile, ChecksTheHeader) {
         broken.sink.set32(80, image.fat[0]);
         broken.sink.set(row.offset, static_cast<std::size_t>(row.value), row.size);
         EXPECT_EQ(test::opens(broken.bytes()), row.opens) << row.what;
+        EXPECT_EQ(test::opens(broken.bytes(), false), row.opens) << row.what;
     }
-    OleImage wide = image;
-    wide.sink.set(wide.entryOffset(3) + 64, 66, 2);
-    EXPECT_FALSE(test::opens(wide.bytes())) << "a name of 66 bytes in an entry that is not used";
-    OleImage full = image;
-    full.sink.set(full.entryOffset(3) + 64, 64, 2);
-    EXPECT_TRUE(test::opens(full.bytes()));
+    for (const std::size_t nameBytes : {64U, 66U}) {
+        OleImage unused = image;
+        unused.sink.set(unused.entryOffset(3) + 64, nameBytes, 2);
+        EXPECT_EQ(test::opens(unused.bytes()), nameBytes == 64) << "in an entry that is not used";
+    }
 }
 
 TEST(OleCompFile, AnyOtherByteOrderMarkIsBigEndian) {
@@ -161,7 +138,7 @@ TEST(OleCompFile, AnyOtherByteOrderMarkIsBigEndian) {
 }
 
 TEST(OleCompFile, FollowsTheListOfFatSectors) {
-    for (const std::size_t count : {109U, 110U, 109U + 127U, 110U + 127U}) {
+    for (const std::size_t count : {109U, 110U, 110U + 127U}) {
         OleWriter writer({.leastFatSectors = count});
         const std::string content = makeContent(6'900'000);
         writer.addStream(0, u"s", content);
@@ -171,11 +148,9 @@ TEST(OleCompFile, FollowsTheListOfFatSectors) {
         EXPECT_EQ(file.getIndirectFatBlockCount(), static_cast<int>((count + 17) / 127));
         EXPECT_EQ(readStream(file, Path{"s"}), content);
         if (count == 109) continue;
-        for (const std::int32_t start : {-2, 0x7FFFFFFF}) {
-            OleImage broken = image;
-            broken.sink.set32(68, start);
-            EXPECT_FALSE(test::opens(broken.bytes())) << start;
-        }
+        OleImage broken = image;
+        broken.sink.set32(68, -2);
+        EXPECT_FALSE(test::opens(broken.bytes()));
         OleImage cyclic = image;
         cyclic.sink.set32(cyclic.offsetOf(cyclic.difat[0]) + 508, cyclic.difat[0]);
         EXPECT_EQ(test::opens(cyclic.bytes()), image.difat.size() == 1) << count;
@@ -200,8 +175,7 @@ TEST(OleCompFile, SearchesEntryThenLeftThenRight) {
         const char* name;
         int found;
     } rows[] = {
-        {4, "d", 4}, {4, "z", 3},  {6, "z", 5},  {4, "y", 1}, {6, "y", 6},
-        {2, "z", 3}, {4, "q", -1}, {6, "b", -1}, {4, "", -1}, {1, "y", 1},
+        {4, "d", 4}, {4, "z", 3}, {6, "z", 5}, {4, "y", 1}, {6, "y", 6}, {6, "b", -1}, {4, "", -1},
     };
     for (const auto& row : rows)
         EXPECT_EQ(file.findDirEntryByName(file.getDirInfo(row.start), row.name), row.found)
@@ -217,54 +191,26 @@ TEST(OleCompFile, FindsTheSameInLargeDirectories) {
     for (const bool shared : {false, true}) {
         OleWriter writer;
         const int storages[] = {writer.addStorage(0, u"one"), writer.addStorage(0, u"two")};
-        std::vector<int> ids;
         for (int i = 0; i < 60; ++i) {
             const std::u16string name{static_cast<char16_t>(u'a' + i % 20)};
-            ids.push_back(writer.addStream(storages[i % 2], name, std::to_string(i)));
+            writer.addStream(storages[i % 2], name, std::to_string(i));
         }
         OleImage image = writer.write();
-        MemoryIo plain(image.bytes());
-        OleCompFile file;
-        ASSERT_TRUE(file.OLEopen(&plain));
-        const std::int32_t child = file.getDirInfo(storages[0])->getChildID();
+        const std::int32_t child =
+            test::OpenFile(image.bytes()).getDirInfo(storages[0])->getChildID();
         if (shared) image.sink.set32(image.entryOffset(storages[1]) + 76, child);
-        MemoryIo io(image.bytes());
-        ASSERT_TRUE(file.OLEopen(&io));
-        for (char name = 'a'; name <= 'z'; ++name) {
-            const std::string text(1, name);
-            for (const int storage : storages) {
-                const OleDirInfo* const start =
-                    file.getDirInfo(file.getDirInfo(storage)->getChildID());
-                const OleDirInfo elsewhere = *start;  // a copy is walked
-                EXPECT_EQ(file.findDirEntryByName(start, text.c_str()),
-                          file.findDirEntryByName(&elsewhere, text.c_str()))
-                    << name << storage << shared;
-                const bool expected =
-                    name < 'u' && (shared || storage == storages[0]) == (name % 2 == 1);
-                EXPECT_EQ(file.findDirEntryByName(start, text.c_str()) >= 0, expected)
-                    << name << storage << shared;
+        test::OpenFile file(image.bytes());
+        for (const int storage : storages) {
+            const OleDirInfo* const start = file.getDirInfo(file.getDirInfo(storage)->getChildID());
+            const OleDirInfo elsewhere = *start;  // a copy is walked
+            for (char name = 'a'; name <= 'z'; ++name) {
+                const std::string text(1, name);
+                const std::int32_t found = file.findDirEntryByName(start, text.c_str());
+                EXPECT_EQ(found, file.findDirEntryByName(&elsewhere, text.c_str())) << text;
+                const bool isFirst = shared || storage == storages[0];
+                EXPECT_EQ(found >= 0, name < 'u' && isFirst == (name % 2 == 1)) << text;
             }
         }
-    }
-}
-
-TEST(OleCompFile, DegenerateTreesNeedNoStack) {
-    for (const auto siblings :
-         {OleWriter::Siblings::RIGHT_CHAIN, OleWriter::Siblings::LEFT_CHAIN}) {
-        OleWriter writer({.siblings = siblings});
-        for (int i = 0; i < 200'000; ++i) {
-            std::u16string name;
-            for (const char digit : std::to_string(i)) name += static_cast<char16_t>(digit);
-            writer.addStream(0, name, i == 199'999 ? "last" : "");
-        }
-        test::OpenFile file(writer.write().bytes());
-        EXPECT_EQ(readStream(file, Path{"199999"}), "last");
-        const OleDirInfo copy = *file.getDirInfo(1);
-        EXPECT_EQ(file.findDirEntryByName(&copy, "199999"), 200'000);
-        EXPECT_EQ(file.findDirEntryByName(&copy, "none"), -1);
-        OleStream* const object = file.OLEopenObject(Path{});
-        EXPECT_EQ(object != nullptr, siblings == OleWriter::Siblings::RIGHT_CHAIN);
-        file.OLEcloseStream(object);
     }
 }
 
@@ -280,11 +226,9 @@ TEST(OleCompFile, ReportsMissingNamesOnStandardError) {
         std::int32_t index;
         std::string output;
     } rows[] = {
-        {{}, 0, ""},
         {{"s"}, 1, ""},
         {{"S"}, -1, report("S")},
         {{"s", "below"}, -1, report("below")},
-        {{"no", "below"}, -1, report("no")},
         {{"\x05\x1B[2Jx\x7F"}, -1, report("\\x05\\x1b[2Jx\\x7f")},
         {{nullptr}, -1, ""},
     };
@@ -296,8 +240,6 @@ TEST(OleCompFile, ReportsMissingNamesOnStandardError) {
         EXPECT_EQ(index, row.index) << row.output;
     }
     EXPECT_EQ(file.getDirIndex(nullptr), -1);
-    const OleDirPath negative{-1, nullptr};
-    EXPECT_EQ(file.getDirIndex(&negative), -1);
 }
 
 TEST(OleCompFile, OpensTheObjectBesideThePresentation) {
@@ -312,8 +254,6 @@ TEST(OleCompFile, OpensTheObjectBesideThePresentation) {
         {"the name is last", {u"a", presentation}, "0"},
         {"no such name", {u"a", u"b", u"c"}, "1"},
         {"a single child", {u"a"}, NONE},
-        {"only the name", {presentation}, NONE},
-        {"no child", {}, NONE},
     };
     for (const auto& row : rows) {
         OleWriter writer({.siblings = OleWriter::Siblings::RIGHT_CHAIN});
@@ -342,29 +282,22 @@ TEST(OleCompFile, OpeningAgainReleasesTheFirst) {
     MemoryIo closed(io.bytes);
     closed.open = false;
     MemoryIo garbage("no compound file");
-
     OleCompFile file;
     EXPECT_FALSE(file.OLEopenSub());
-    for (int round = 0; round < 2; ++round) {
-        ASSERT_TRUE(file.OLEopen(path.c_str()));
-        EXPECT_EQ(readStream(file, Path{"first"}), makeContent(9000));
-        ASSERT_TRUE(file.OLEopen(&io));
-        EXPECT_EQ(readStream(file, Path{"second"}), "2");
-        EXPECT_TRUE(file.OLEopenSub());
-        EXPECT_EQ(file.getDirCount(), 4);
-    }
-    for (JZIOobj* const bad : {static_cast<JZIOobj*>(&closed), static_cast<JZIOobj*>(&garbage),
-                               static_cast<JZIOobj*>(nullptr)}) {
+    ASSERT_TRUE(file.OLEopen(path.c_str()));
+    EXPECT_EQ(readStream(file, Path{"first"}), makeContent(9000));
+    ASSERT_TRUE(file.OLEopen(&io));
+    EXPECT_EQ(readStream(file, Path{"second"}), "2");
+    EXPECT_TRUE(file.OLEopenSub());
+    EXPECT_EQ(file.getDirCount(), 4);
+    for (JZIOobj* const bad : std::initializer_list<JZIOobj*>{&closed, &garbage, nullptr}) {
         ASSERT_TRUE(file.OLEopen(&io));
         EXPECT_FALSE(file.OLEopen(bad));
         EXPECT_EQ(file.getDirCount(), 0);
         EXPECT_EQ(file.getNextBlock(0, false), -1);
         EXPECT_EQ(file.OLEopenStream(Path{"second"}), nullptr);
-        char byte = 0;
-        EXPECT_EQ(file.ReadIO(&byte, 1), 0U);
     }
     EXPECT_FALSE(file.OLEopen(folder.path().c_str()));
-    EXPECT_FALSE(file.OLEopen((path + "x").c_str()));
 }
 
 /// Opening reads header, tables and directory and nothing else; neighbours come together.

@@ -99,8 +99,9 @@ inline std::string readStream(OleCompFile& file, const OleDirPath* path) {
     return content;
 }
 
-inline bool opens(const std::string& bytes) {
+inline bool opens(const std::string& bytes, bool seeksFromEnd = true) {
     MemoryIo io(bytes);
+    io.seeksFromEnd = seeksFromEnd;
     return OleCompFile().OLEopen(&io);
 }
 

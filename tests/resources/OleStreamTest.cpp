@@ -1,4 +1,5 @@
-// Streams inside of compound files: seeking, reading in pieces, copying, the standard stream.
+// Streams inside of compound files: seeking, copying, the standard stream. That pieces of any size
+// give the same is the fuzz target's.
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -48,11 +49,10 @@ TEST_F(OleStreamTest, SeeksWithinItsBounds) {
         std::int64_t result;
         std::uint32_t position;
     } rows[] = {
-        {10, 2, 90, 90},  {-5, 0, 0, 0},        {500, 0, 100, 100},  {100, 0, 100, 100},
-        {0, 2, 100, 100}, {-10, 1, 90, 90},     {5, 1, 95, 95},      {99, 1, 100, 100},
-        {-500, 1, 0, 0},  {101, 2, 0, 0},       {-1, 2, 100, 100},   {40, 0, 40, 40},
-        {7, 3, -1, 40},   {7, -1, -1, 40},      {MOST, 1, 100, 100}, {LEAST, 1, 0, 0},
-        {MOST, 2, 0, 0},  {LEAST, 2, 100, 100}, {LEAST, 0, 0, 0},
+        {10, 2, 90, 90},   {-5, 0, 0, 0},        {500, 0, 100, 100}, {-10, 1, 90, 90},
+        {99, 1, 100, 100}, {-500, 1, 0, 0},      {101, 2, 0, 0},     {-1, 2, 100, 100},
+        {40, 0, 40, 40},   {7, 3, -1, 40},       {7, -1, -1, 40},    {MOST, 1, 100, 100},
+        {LEAST, 1, 0, 0},  {LEAST, 2, 100, 100},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(stream.OLEseek(row.offset, row.whence), row.result) << row.offset << row.whence;
@@ -71,28 +71,6 @@ TEST_F(OleStreamTest, SeekingPlacesTheReaderOfTheFile) {
             ASSERT_EQ(file_.ReadIO(&byte, 1), 1U);
             ASSERT_EQ(byte, content[static_cast<std::size_t>(position)]) << position;
         }
-    }
-}
-
-TEST_F(OleStreamTest, ReadsPiecesOfAnySizeFromAnyPlace) {
-    for (const std::size_t size : {4095U, 4096U, 20'000U}) {
-        OleStream& stream = open(size);
-        const std::string content = makeContent(size);
-        for (const std::uint32_t piece : {1U, 7U, 63U, 64U, 511U, 513U, 5000U, 0xFFFFFFFFU}) {
-            ASSERT_EQ(stream.OLEseek(0, 0), 0);
-            EXPECT_EQ(test::readAll(stream, std::min(piece, 1U << 20)), content) << piece;
-            EXPECT_EQ(stream.OLEtell(), size);
-        }
-        std::vector<unsigned char> buffer(size);
-        for (std::uint32_t position = 0; position < size; position += 113) {
-            const std::uint32_t count = position * 7 % 1500;
-            stream.OLEseek(static_cast<std::int32_t>(position), 0);
-            const std::uint32_t got = stream.OLEread(buffer.data(), count);
-            ASSERT_EQ(got, std::min<std::size_t>(count, size - position));
-            ASSERT_EQ(std::string(buffer.begin(), buffer.begin() + got),
-                      content.substr(position, got));
-        }
-        EXPECT_EQ(stream.OLEread(nullptr, 5), 0U);
     }
 }
 
@@ -123,15 +101,14 @@ TEST_F(OleStreamTest, OnlyStreamsHaveAChain) {
     }
     EXPECT_TRUE(stream.GetStreamChain(2));
     EXPECT_EQ(test::readAll(stream), makeContent(700, 2));
-    OleStream alone(nullptr);
-    EXPECT_FALSE(alone.GetStreamChain(1));
-    EXPECT_EQ(alone.OLEseek(0, 0), 0);
+    EXPECT_EQ(stream.OLEread(nullptr, 5), 0U);
+    EXPECT_FALSE(OleStream(nullptr).GetStreamChain(1));
 }
 
 TEST_F(OleStreamTest, CopiesToAFileAndKeepsItsPlace) {
     const ScratchFolder folder;
     const std::string path = folder.path("copy");
-    for (const std::size_t size : {0U, 1U, 4095U, 10240U, 10241U, 50'000U}) {
+    for (const std::size_t size : {0U, 10240U, 50'000U}) {
         OleStream& stream = open(size);
         stream.OLEseek(77, 0);
         folder.write("copy", "something longer than nothing");
@@ -142,7 +119,6 @@ TEST_F(OleStreamTest, CopiesToAFileAndKeepsItsPlace) {
     OleStream& stream = *stream_;
     stream.OLEseek(77, 0);
     EXPECT_FALSE(stream.CopyToFile(folder.path().c_str()));
-    EXPECT_FALSE(stream.CopyToFile(folder.path("no/copy").c_str()));
     EXPECT_FALSE(stream.CopyToFile("/dev/full"));
     EXPECT_FALSE(stream.CopyToFile(nullptr));
     io_->bytes.resize(io_->bytes.size() / 2);
@@ -158,15 +134,8 @@ TEST_F(OleStreamTest, TheStandardStreamEndsAtItsLimit) {
         std::size_t from;
         std::vector<std::size_t> blocks;
     } rows[] = {
-        {5000, 0, {4096, 904}},
-        {-1, 0, {4096, 4096, 808}},
-        {0, 0, {}},
-        {1, 0, {1}},
-        {4096, 0, {4096}},
-        {8192, 0, {4096, 4096}},
-        {8193, 0, {4096, 4096, 1}},
-        {20'000, 0, {4096, 4096, 808}},
-        {5000, 8000, {1000}},
+        {5000, 0, {4096, 904}},  {-1, 0, {4096, 4096, 808}}, {0, 0, {}},
+        {8192, 0, {4096, 4096}}, {8193, 0, {4096, 4096, 1}}, {5000, 8000, {1000}},
         {-1, 9000, {}},
     };
     for (const auto& row : rows) {

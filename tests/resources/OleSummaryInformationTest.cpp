@@ -47,18 +47,12 @@ TEST(OleSummaryInformation, ServesTypes) {
             {"int32", 3, w.number(0x80000000, 4), 1, 1, RYVALUE_INTEGER, "-2147483648"},
             {"narrow", 30, w.narrow("text"), 1, 1, RYVALUE_STRING, "text"},
             {"narrow, NUL", 30, w.narrow(std::string("te\0xt", 5)), 1, 1, RYVALUE_STRING, "te"},
-            {"narrow, empty", 30, w.narrow(""), 1, 1, RYVALUE_STRING, ""},
-            {"narrow, long", 30, w.narrow(std::string(3000, 'x')), 1, 1, RYVALUE_STRING,
-             std::string(3000, 'x')},
             {"empty type", 0, "", 0, 0, RYVALUE_NULL, ""},
-            {"null type", 1, "", 0, 0, RYVALUE_NULL, ""},
             {"vector of narrow", 0x101E, many + w.narrow("one") + w.narrow("two"), 1, 1,
              RYVALUE_STRING, "one"},
-            {"vector of int32", 0x1003, many + w.number(5, 4), 1, 1, RYVALUE_INTEGER, "5"},
             {"empty vector", 0x101E, w.number(0, 4), 0, 0, RYVALUE_NULL, ""},
-            {"wide", 31, w.wide(u"w\u00EFde\U0001F600\0x"), 0, 1, RYVALUE_STRING,
-             "w\xC3\xAF"
-             "de\xF0\x9F\x98\x80"},
+            {"wide", 31, w.wide(u"\u00EF\U0001F600\0x"), 0, 1, RYVALUE_STRING,
+             "\xC3\xAF\xF0\x9F\x98\x80"},
             {"vector of wide", 0x101F, many + w.wide(u"a") + w.wide(u"b"), 0, 1, RYVALUE_STRING,
              "a"},
             {"true", 11, w.number(0xFFFF, 2), 0, 1, RYVALUE_NAME, "true"},
@@ -68,13 +62,10 @@ TEST(OleSummaryInformation, ServesTypes) {
             {"int64", 20, w.number(std::size_t(-7), 8), 0, 1, RYVALUE_INTEGER, "-7"},
             {"large int64", 20, w.number(std::size_t(-3'000'000'000), 8), 0, 1, RYVALUE_REAL,
              "-3e+09"},
-            {"uint64", 21, w.number(9, 8), 0, 1, RYVALUE_INTEGER, "9"},
             {"large uint64", 21, w.number(std::size_t(-1), 8), 0, 1, RYVALUE_REAL, "1.84467e+19"},
             {"real32", 4, w.number(bits32(1.5F), 4), 0, 1, RYVALUE_REAL, "1.5"},
             {"real64", 5, w.number(bits(-0.25), 8), 0, 1, RYVALUE_REAL, "-0.25"},
             {"no time", 64, w.number(0, 8), 0, 1, RYVALUE_STRING, "1601-01-01T00:00:00Z"},
-            {"leap day", 64, w.number(125'963'423'990'000'000, 8), 0, 1, RYVALUE_STRING,
-             "2000-02-29T23:59:59Z"},
             {"a moment", 64, w.number(133'590'402'019'999'999, 8), 0, 1, RYVALUE_STRING,
              "2024-05-01T12:30:01Z"},
             {"end of time", 64, w.number(std::size_t(-1), 8), 0, 1, RYVALUE_STRING,
@@ -82,10 +73,8 @@ TEST(OleSummaryInformation, ServesTypes) {
             {"blob", 65, w.narrow("blob"), 0, 0, RYVALUE_NULL, ""},
             {"unknown type", 0xFFFFFFFF, "", -1, -1, RYVALUE_NULL, ""},
             {"narrow too long", 30, w.number(5, 4) + "text", -1, -1, RYVALUE_NULL, ""},
-            {"narrow of 2^32-1", 30, w.number(0xFFFFFFFF, 4) + "text", -1, -1, RYVALUE_NULL, ""},
             {"wide of 2^31", 31, w.number(0x80000000, 4) + "text", 0, -1, RYVALUE_NULL, ""},
             {"int32 cut", 3, "", -1, -1, RYVALUE_NULL, ""},
-            {"vector without a count", 0x1003, "", -1, -1, RYVALUE_NULL, ""},
         };
         for (const auto& row : rows) {
             PropertySetWriter writer(bigEndian);
@@ -111,17 +100,15 @@ TEST(OleSummaryInformation, ServesTheIdsOfTheSummary) {
     OpenFile document(fileOf(writer.write()));
     OleSummaryInformation information;
     ASSERT_EQ(information.initSummaryInformation(&document), 1);
-    const std::string served = "1 2 3 4 5 6 7 8 9 14 15 16 18 19 ";
     std::string answered;
     for (unsigned long id = 0; id <= 26; ++id) {
         RyValue value;
         if (information.getProperty(id, value) == 1) answered += std::to_string(id) + " ";
         EXPECT_EQ(information.getPropertyAny(id, value), id >= 1 && id <= 25 ? 1 : -1) << id;
     }
-    EXPECT_EQ(answered, served);
+    EXPECT_EQ(answered, "1 2 3 4 5 6 7 8 9 14 15 16 18 19 ");
     RyValue value;
     EXPECT_EQ(information.getPropertyAny((1UL << 32) + 2, value), -1);
-    EXPECT_EQ(information.getPropertyAny(static_cast<unsigned long>(-1), value), -1);
 }
 
 TEST(OleSummaryInformation, DecodesTheCodePage) {
@@ -133,35 +120,23 @@ TEST(OleSummaryInformation, DecodesTheCodePage) {
     } rows[] = {
         {0, 0, "cp932", "\x93\xFA\x96{\x81`", u"\u65E5\u672C\uFF5E"},
         {2, 932, "cp932", "\\\x93\xFA", u"\\\u65E5"},
-        {2, 1252, "cp1252", "\x80\xE9", u"\u20AC\u00E9"},
         {3, 1251, "cp1251", "\xCF", u"\u041F"},
         {2, 65001, "UTF-8", "\xE2\x82\xAC", u"\u20AC"},
-        {3, 65001, "UTF-8", "\xE2\x82\xAC", u"\u20AC"},
         {2, 936, "cp936", "\xD6\xD0\x80", u"\u4E2D\u20AC"},
-        {2, 949, "cp949", "\xC7\xD1\x81\x41", u"\uD55C\uAC02"},
-        {2, 950, "cp950", "\xA4\xA4", u"\u4E2D"},
-        {2, 874, "cp874", "\xA1", u"\u0E01"},
         {2, 437, "cp437", "\x82", u"\u00E9"},
-        {2, 850, "cp850", "\x9C", u"\u00A3"},
         {2, 10000, "cp10000", "\x8E", u"\u00E9"},
-        {2, 20127, "cp20127", "ab", u"ab"},
         {2, 28592, "cp28592", "\xB1", u"\u0105"},
-        {2, 28605, "cp28605", "\xA4", u"\u20AC"},
         {2, 54936, "cp54936", "\x81\x30\x81\x30", u"\u0080"},
-        {2, 51932, "cp51932", "\xC6\xFC", u"\u65E5"},
-        {2, 50220, "cp50220", "\x1B$BF|\x1B(B", u"\u65E5"},
-        {2, 1200, "cp1200", std::string("a\0\xE5\x65", 4), u"a\u65E5"},
         {2, 0, "cp0", "\x80", u"\u20AC"},
         {2, 65000, "cp65000", "+AGE-", u"+AGE-"},
         {2, 37, "cp37", "\xC1", u"\u00C1"},
-        {2, 9999, "cp9999", "\x80", u"\u20AC"},
         {3, 0xFFFFFFFF, "cp-1", "\x80", u"\u20AC"},
         {30, 1, "cp932", "\x93\xFA", u"\u65E5"},
         {19, 1252, "cp932", "\x93\xFA", u"\u65E5"},
     };
     for (const auto& row : rows) {
         PropertySetWriter writer;
-        writer.section().add(2, 30, writer.narrow(row.bytes + std::string("\0x\0", 3)));
+        writer.section().add(2, 30, writer.narrow(row.bytes + std::string("\0x", 2)));
         if (row.type != 0) writer.add(1, row.type, writer.number(row.codePage, 4));
         // Both streams take the code page from their own property.
         OpenFile document(fileOf(writer.write(), writer.write()));
@@ -173,12 +148,7 @@ TEST(OleSummaryInformation, DecodesTheCodePage) {
             EXPECT_EQ(information.getCodePage(), UnicodeString(row.name));
             RyValue value;
             ASSERT_EQ(information.getProperty(2, value), 1) << row.name;
-            // Two NULs end UTF-16, too.
-            const UnicodeString text = value.toString();
-            EXPECT_EQ(text.startsWith(row.text), true) << row.name << " " << s(value.toString());
-            if (row.codePage != 1200) {
-                EXPECT_EQ(text, row.text) << row.name;
-            }
+            EXPECT_EQ(value.toString(), row.text) << row.name << " " << s(value.toString());
         }
     }
 }
@@ -204,41 +174,48 @@ TEST(OleSummaryInformation, AnOpenedCodePageIsGivenUpWithItsStream) {
     EXPECT_EQ(information.initSummaryInformation(&closed), -1);
 }
 
+/// Names in UTF-16, each padded to four bytes.
+std::string wideDictionary(const PropertySetWriter& w) {
+    test::ByteSink names(false);
+    names.bytes = w.number(2, 4) + w.number(4, 4) + w.wide(u"odd");
+    names.pad(4);
+    names.bytes += w.number(9, 4) + w.wide(std::u16string(u"_PID_HLINKS\0", 12));
+    names.pad(4);
+    return names.bytes;
+}
+
 TEST(OleSummaryInformation, ReadsHyperLinks) {
-    const std::vector<std::u16string> links = {u"http://a.example/", u"", u"#pl\u00E4ce", u"odd"};
+    const std::vector<UnicodeString> kept{u"kept"};
+    const std::vector<UnicodeString> keptAndOne{u"kept", u"x"};
     for (const bool bigEndian : {false, true}) {
         const PropertySetWriter w(bigEndian);
-        const std::string good = w.hyperLinks(links);
-        const std::string names =
-            w.dictionary({{5, "other"}, {9, std::string("_PID_HLINKS\0", 12)}});
-        const std::string element = w.number(31, 4);
+        const std::string good = w.hyperLinks({u"x"});
+        const std::string names = w.dictionary({{5, "other"}, {9, "_PID_HLINKS"}});
+        const std::string element = w.number(1, 4) + w.number(31, 4);
+        const std::string running = w.number(1, 4) + w.number(9, 4) + w.number(12, 4) + "_PID_HL";
         const struct {
             const char* what;
             std::string names;
             std::size_t id, type;
             std::string blob;
-            int count;
+            int result;
         } rows[] = {
-            {"links", names, 9, 65, good, 4},
+            {"links", names, 9, 65, good, 1},
             {"no name", w.dictionary({{9, "_PID_HLINK"}}), 9, 65, good, 0},
             {"no property", names, 10, 65, good, -1},
             {"no blob", names, 9, 30, good, -1},
-            {"no links", names, 9, 65, w.narrow(w.number(0, 4)), 0},
-            {"no count", names, 9, 65, w.narrow("xx"), -1},
             {"blob too long", names, 9, 65, w.number(good.size() + 40, 4) + good.substr(4), -1},
             {"count too large", names, 9, 65, w.narrow(w.number(0xFFFFFFFF, 4) + good.substr(8)),
              -1},
-            {"one element more", names, 9, 65, w.narrow(w.number(9, 4) + good.substr(8)), -1},
             {"another type", names, 9, 65,
              w.narrow(w.number(1, 4) + w.number(30, 4) + w.narrow("abcd")), -1},
             {"text out of the blob", names, 9, 65,
-             w.narrow(w.number(1, 4) + element + w.number(3, 4) + "abcd") + "efgh", -1},
-            {"text of 2^31", names, 9, 65,
-             w.narrow(w.number(1, 4) + element + w.number(0x80000000, 4) + "abcd"), -1},
+             w.narrow(element + w.number(3, 4) + "abcd") + "efgh", -1},
             {"last one without padding", names, 9, 65,
-             w.narrow(w.number(1, 4) + element + w.number(1, 4) + w.number('x', 2)), 1},
+             w.narrow(element + w.number(1, 4) + w.number('x', 2)), 1},
             {"ends at the NUL", names, 9, 65,
-             w.narrow(w.number(1, 4) + element + w.wide(std::u16string(u"x\0y\0", 4))), 1},
+             w.narrow(element + w.wide(std::u16string(u"x\0y\0", 4))), 1},
+            {"a name that runs into the next property", running, 9, 65, good, 0},
         };
         for (const auto& row : rows) {
             PropertySetWriter writer(bigEndian);
@@ -246,54 +223,24 @@ TEST(OleSummaryInformation, ReadsHyperLinks) {
             writer.section().add(0, 0, row.names).add(row.id, row.type, row.blob);
             OpenFile document(fileOf("", writer.write()));
             OleSummaryInformation information;
-            std::vector<UnicodeString> found(1, u"kept");
-            EXPECT_EQ(information.getHyperLinks(found), -1) << "before";
             ASSERT_EQ(information.initDocumentSummaryInformation(&document), 1) << row.what;
-            EXPECT_EQ(information.getHyperLinks(found), row.count) << row.what;
-            ASSERT_EQ(found.size(), 1U + static_cast<unsigned>(std::max(row.count, 0)));
-            EXPECT_EQ(found[0], UnicodeString(u"kept"));
-            if (row.count == 1) {
-                EXPECT_EQ(found[1], UnicodeString(u"x")) << row.what;
-            }
-            for (std::size_t i = 0; row.count == 4 && i < 4; ++i)
-                EXPECT_EQ(found[i + 1], UnicodeString(links[i].c_str())) << bigEndian;
-            RyValue value;
-            EXPECT_EQ(information.getPropertyAny(row.id, value), -1) << "of the section with names";
+            std::vector<UnicodeString> found = kept;
+            EXPECT_EQ(information.getHyperLinks(found), row.result) << row.what;
+            EXPECT_EQ(found, row.result == 1 ? keptAndOne : kept) << row.what;
         }
     }
 }
 
-TEST(OleSummaryInformation, ReadsDictionariesInUtf16AndUpToTheNextProperty) {
-    const PropertySetWriter w;
-    const std::string links = w.hyperLinks({u"x"});
-    std::string wideNames = w.number(2, 4);
-    for (const std::u16string& name :
-         {std::u16string(u"odd"), std::u16string(u"_PID_HLINKS\0", 12)}) {
-        wideNames += w.number(name == u"odd" ? 4 : 9, 4) + w.wide(name);
-        wideNames.resize((wideNames.size() + 3) / 4 * 4);
-    }
-    const std::string running = w.number(2, 4) + w.number(4, 4) + w.narrow("abcd") +
-                                w.number(9, 4) + w.number(12, 4) + "_PID_HLINKS";
-    const struct {
-        const char* what;
-        std::size_t codePage;
-        std::string names;
-        int links;
-    } rows[] = {
-        {"UTF-16", 1200, wideNames, 1},
-        {"bytes", 1252, wideNames, 0},
-        {"a name that runs into the next property", 1252, running.substr(0, running.size() - 4), 0},
-        {"a name that just fits", 1252, running + std::string(1, '\0'), 1},
-    };
-    for (const auto& row : rows) {
-        PropertySetWriter writer;
-        writer.section();
-        writer.add(0, 0, row.names).add(1, 2, w.number(row.codePage, 2)).add(9, 65, links);
-        OpenFile document(fileOf("", writer.write()));
+TEST(OleSummaryInformation, ReadsNamesInUtf16) {
+    for (const std::size_t codePage : {1200U, 1252U}) {
+        PropertySetWriter w;
+        w.section().add(0, 0, wideDictionary(w)).add(1, 2, w.number(codePage, 2));
+        w.add(9, 65, w.hyperLinks({u"http://a.example/", u"", u"#pl\u00E4ce", u"odd"}));
+        OpenFile document(fileOf("", w.write()));
         OleSummaryInformation information;
-        ASSERT_EQ(information.initDocumentSummaryInformation(&document), 1) << row.what;
+        ASSERT_EQ(information.initDocumentSummaryInformation(&document), 1);
         std::vector<UnicodeString> found;
-        EXPECT_EQ(information.getHyperLinks(found), row.links) << row.what;
+        EXPECT_EQ(information.getHyperLinks(found), codePage == 1200 ? 4 : 0);
     }
 }
 
@@ -307,33 +254,8 @@ std::string makeSample() {
     return writer.write();
 }
 
-void readEverything(const std::string& set) {
-    OpenFile document(fileOf(set, set));
-    OleSummaryInformation information;
-    const int result = information.initDocumentSummaryInformation(&document);
-    EXPECT_TRUE(result == 1 || result == -1);
-    for (unsigned long id = 0; id < 20; ++id) {
-        RyValue value;
-        information.getProperty(id, value);
-        information.getPropertyAny(id, value);
-    }
-    std::vector<UnicodeString> links;
-    EXPECT_LE(information.getHyperLinks(links), 2);
-    EXPECT_LE(links.size(), 2U);
-}
-
 TEST(OleSummaryInformation, BrokenStreamsAreMalformed) {
     const std::string sample = makeSample();
-    for (std::size_t size = 1; size < sample.size(); ++size) readEverything(sample.substr(0, size));
-    for (std::size_t offset = 0; offset + 4 <= sample.size(); offset += 2) {
-        for (const std::size_t number :
-             {0UL, 1UL, 2UL, 3UL, 8UL, 100UL, 0x7FFFFFFFUL, 0x80000000UL, 0xFFFFFFFFUL}) {
-            test::ByteSink sink(false);
-            sink.bytes = sample;
-            sink.set(offset, number, 4);
-            readEverything(sink.bytes);
-        }
-    }
     const struct {
         const char* what;
         std::size_t offset, size, value;
@@ -342,9 +264,7 @@ TEST(OleSummaryInformation, BrokenStreamsAreMalformed) {
         {"as written", 2, 2, 0, 1},
         {"no byte order mark", 0, 2, 0, -1},
         {"sections 2^32-1", 24, 4, 0xFFFFFFFF, -1},
-        {"no sections", 24, 4, 0, 1},
         {"section outside", 44, 4, 0xFFFFFFF0, -1},
-        {"size of a section", 68, 4, 0xFFFFFFFF, 1},
         {"properties 2^32-1", 72, 4, 0xFFFFFFFF, -1},
         {"property outside", 80, 4, 0xFFFFFFF0, -1},
     };
@@ -378,10 +298,9 @@ TEST(OleSummaryInformation, SharedTablesAreMalformed) {
     const std::string shared = sink.bytes;
     sink.set(24, 1, 4);
     OpenFile document(fileOf(shared));
+    EXPECT_EQ(OleSummaryInformation().initSummaryInformation(&document), -1);
     OpenFile single(fileOf(sink.bytes));
-    OleSummaryInformation information;
-    EXPECT_EQ(information.initSummaryInformation(&document), -1);
-    EXPECT_EQ(information.initSummaryInformation(&single), 1);
+    EXPECT_EQ(OleSummaryInformation().initSummaryInformation(&single), 1);
 }
 
 TEST(OlePropertySet, TellsWhatIsThere) {
@@ -392,7 +311,6 @@ TEST(OlePropertySet, TellsWhatIsThere) {
     OlePropertySet set;
     EXPECT_TRUE(set.init(&document));
     EXPECT_EQ(set.getTitle(), UnicodeString(u"T\u00EF"));
-    EXPECT_TRUE(set.getSubject().isEmpty());
     EXPECT_EQ(set.getAuthor(), UnicodeString(u"Author"));
     EXPECT_TRUE(set.getKeywords().isEmpty());
     OpenFile other(fileOf("no property set"));
@@ -407,7 +325,6 @@ TEST(OleSummaryInformation, SizesCanBeLimited) {
     w.section().add(0, 0, w.dictionary({{2, "name"}})).add(2, 3, w.number(1, 4));
     const std::string set = w.write();
     const auto size = static_cast<std::uint32_t>(set.size());
-    const std::uint32_t items = 7;  // two sections, four properties, a name
     const struct {
         const char* what;
         OleLimits limits;
@@ -416,10 +333,9 @@ TEST(OleSummaryInformation, SizesCanBeLimited) {
         {"no limit", {}, 1},
         {"bytes reached", {.propertySetBytes = size}, 1},
         {"bytes exceeded", {.propertySetBytes = size - 1}, -1},
-        {"items reached", {.properties = items}, 1},
-        {"names exceeded", {.properties = items - 1}, -1},
-        {"properties exceeded", {.properties = 3}, -1},
-        {"sections exceeded", {.properties = 1}, -1},
+        // Two sections, four properties, a name.
+        {"items reached", {.properties = 7}, 1},
+        {"items exceeded", {.properties = 6}, -1},
     };
     for (const auto& row : rows) {
         OpenFile document(fileOf(set));
@@ -447,8 +363,6 @@ public:
         ASSERT_TRUE(getCLSID(id) && getDWORD(dword));
         EXPECT_EQ(id.data1, 0xF29F85E0U);
         EXPECT_EQ(dword, 68U);
-        ASSERT_TRUE(checkEndian() && getWORD(word) && getDWORD(dword));
-        EXPECT_EQ(dword, 0x00020006U);
         unsigned char bytes[4] = {};
         ASSERT_TRUE(checkEndian() && getWORD(word) && getReverse(bytes, 4));
         EXPECT_EQ(bytes[3], 6);

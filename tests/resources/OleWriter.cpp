@@ -1,8 +1,7 @@
 // Writes compound files for tests.
 //
 // Sectors are given out in ascending order: streams first, then mini stream, mini FAT, directory,
-// FAT and DIFAT. With `scattered` the sectors of each stream are given in a mixed order; with
-// `reversed` all numbers count from the end, which a first writing finds.
+// FAT and DIFAT. With `scattered` the sectors of each stream are given in a mixed order.
 #include "tests/resources/OleWriter.h"
 
 #include <algorithm>
@@ -108,12 +107,9 @@ void OleWriter::scatter(std::vector<std::int32_t>& numbers) {
 
 std::vector<std::int32_t> OleWriter::takeSectors(std::size_t count) {
     std::vector<std::int32_t> sectors(count);
-    for (std::int32_t& sector : sectors) {
-        sector = static_cast<std::int32_t>(options_.reversed ? sectors_ - 1 - used_ : used_);
-        ++used_;
-    }
+    for (std::int32_t& sector : sectors) sector = static_cast<std::int32_t>(used_++);
     if (options_.scattered) scatter(sectors);
-    fat_.resize(std::max(fat_.size(), std::max(used_, sectors_)), -1);
+    fat_.resize(std::max(fat_.size(), used_), -1);
     return sectors;
 }
 
@@ -260,11 +256,6 @@ void OleWriter::writeHeader(OleImage& image) {
 }
 
 OleImage OleWriter::write() {
-    if (options_.reversed) {
-        OleWriter trial(*this);
-        trial.options_.reversed = false;
-        sectors_ = (trial.write().bytes().size() - 512) >> options_.shift;
-    }
     OleImage image(options_.bigEndian);
     image.shift = options_.shift;
     image.sink.bytes.resize(512);

@@ -76,8 +76,6 @@ public:
         std::size_t leastFatSectors = 0;
         /// Sectors and mini sectors of the streams lie in a mixed order.
         bool scattered = false;
-        /// The sectors come in the opposite order: allocation tables first, streams last.
-        bool reversed = false;
         Siblings siblings = Siblings::BALANCED;
     };
 
@@ -116,8 +114,7 @@ private:
 
     Options options_;
     std::vector<Entry> entries_;
-    std::size_t used_ = 0;     ///< sectors given out
-    std::size_t sectors_ = 0;  ///< all of them, when they are known
+    std::size_t used_ = 0;  ///< sectors given out
     std::vector<std::int32_t> fat_;
     std::vector<std::int32_t> miniFat_;
     std::string miniStream_;

@@ -17,9 +17,7 @@ std::string typeOf(PackageInMemory& package, const std::string& name) {
 TEST(PackageTest, ContentTypes) {
     PackageInMemory package({
         {"word/document.xml", ""},
-        {"word/other.xml", ""},
         {"word/LOUD.XML", ""},
-        {"word/image.tar.gz", ""},
         {"a.dir/plain", ""},
         {"ends.", ""},
         {"caf\xC3\xA9.txt", ""},
@@ -31,22 +29,18 @@ TEST(PackageTest, ContentTypes) {
          typesXml("<Override PartName='/word/document.xml' ContentType='main'/>"
                   "<Default Extension='xml' ContentType='text'/>"
                   "<Default Extension='xml' ContentType='second'/>"
-                  "<Default Extension='gz' ContentType='zipped'/>"
                   "<Default Extension='dir/plain' ContentType='of a name with a slash'/>"
                   "<Default Extension='' ContentType='dot'/>"
                   "<Override PartName='/word/document.xml' ContentType='second'/>"
                   "<Override PartName='/caf%C3%A9.txt' ContentType='escaped'/>"
                   "<Override PartName='//slash.xml' ContentType='one slash is taken'/>"
                   "<Override PartName='/empty.xml' ContentType=''/>"
-                  "<Override PartName='/missing.xml' ContentType='x'/>"
                   "<x><Override PartName='/nested.png' ContentType='x'/></x>"
                   "<Override xmlns='urn:x' PartName='/strange.png' ContentType='x'/>")},
     });
     const std::pair<const char*, const char*> rows[] = {
         {"word/document.xml", "main"},
-        {"word/other.xml", "text"},
         {"word/LOUD.XML", ""},
-        {"word/image.tar.gz", "zipped"},
         {"a.dir/plain", "of a name with a slash"},
         {"ends.", "dot"},
         {"caf\xC3\xA9.txt", "escaped"},
@@ -55,12 +49,14 @@ TEST(PackageTest, ContentTypes) {
         {"nested.png", ""},
         {"strange.png", ""},
         {CONTENT_TYPES, "text"},
-        {"", ""},
     };
     for (const auto& [name, type] : rows) EXPECT_EQ(typeOf(package, name), type) << name;
 }
 
 TEST(PackageTest, ContentTypesAreReadFromTheRightRootOnly) {
+    std::string wide;
+    for (const char c : typesXml("<Default Extension='a' ContentType='yes'/>"))
+        wide += std::string{c, '\0'};
     const struct {
         const char* what;
         std::string xml;
@@ -72,53 +68,29 @@ TEST(PackageTest, ContentTypesAreReadFromTheRightRootOnly) {
          "yes"},
         {"wrong namespace",
          "<Types xmlns='urn:x'><Default Extension='a' ContentType='no'/></Types>", ""},
-        {"no namespace", "<Types><Default Extension='a' ContentType='no'/></Types>", ""},
-        {"wrong root",
-         "<Typos xmlns='http://schemas.openxmlformats.org/package/2006/content-types'>"
-         "<Default Extension='a' ContentType='no'/></Typos>",
-         ""},
-        {"UTF-16",
-         std::string("\xFF\xFE") +
-             [] {
-                 std::string wide;
-                 for (const char c : typesXml("<Default Extension='a' ContentType='yes'/>"))
-                     wide += std::string{c, '\0'};
-                 return wide;
-             }(),
-         "yes"},
+        {"UTF-16", "\xFF\xFE" + wide, "yes"},
         {"damaged behind", typesXml("<Default Extension='a' ContentType='yes'/><"), "yes"},
         {"damaged before", typesXml("<&><Default Extension='a' ContentType='no'/>"), ""},
-        {"empty", "", ""},
     };
     for (const auto& row : rows) {
         PackageInMemory package({{"f.a", ""}, {CONTENT_TYPES, row.xml}});
         EXPECT_EQ(typeOf(package, "f.a"), row.type) << row.what;
     }
-    PackageInMemory none(Parts{{"f.a", ""}});
-    EXPECT_EQ(typeOf(none, "f.a"), "");
 }
 
 TEST(PackageTest, RelationshipsPartOfEachSource) {
-    const std::string other = relsXml(rel("r", "t", "wrong"));
     const struct {
         const char *source, *rels;
     } rows[] = {
         {"", "_rels/.rels"},
-        {"document.xml", "_rels/document.xml.rels"},
         {"word/document.xml", "word/_rels/document.xml.rels"},
-        {"a/b/c.d/e", "a/b/c.d/_rels/e.rels"},
         {"/top", "/_rels/top.rels"},
         {"dir/", "dir/_rels/.rels"},
-        {"word/_rels/document.xml.rels", "word/_rels/_rels/document.xml.rels.rels"},
     };
     for (const auto& row : rows) {
-        Parts parts;
-        for (const auto& each : rows) {
+        Parts parts{{row.rels, relsXml(rel("r", "t", "urn:here"))}};
+        for (const auto& each : rows)
             if (*each.source != '\0') parts.push_back({each.source, ""});
-        }
-        parts.push_back({row.rels, relsXml(rel("r", "t", "urn:here"))});
-        std::erase_if(
-            parts, [&](const auto& part) { return part.first == row.rels && part.second.empty(); });
         PackageInMemory package(parts);
         for (const auto& each : rows)
             EXPECT_EQ(s(package->getRelationshipTargetFromId(u("r"), package.part(each.source))),
@@ -132,36 +104,20 @@ TEST(PackageTest, TargetsOfPartsAreMemberNames) {
         const char *source, *target, *mode, *expected;
     } rows[] = {
         {"word/document.xml", "media/image1.png", "", "word/media/image1.png"},
-        {"word/document.xml", "media/image1.png", "Internal", "word/media/image1.png"},
         {"word/document.xml", "media/image1.png", "External", "media/image1.png"},
         {"word/document.xml", "media/image1.png", "internal", "media/image1.png"},
         {"word/document.xml", "../customXml/item1.xml", "", "customXml/item1.xml"},
         {"word/document.xml", "../../../up.xml", "", "up.xml"},
-        {"word/document.xml", "/word/x.xml", "", "word/x.xml"},
-        {"word/document.xml", "./x.xml", "", "word/x.xml"},
         {"word/document.xml", "\\word\\x.xml", "", "word/x.xml"},
-        {"word/document.xml", "x.xml#mark", "", "word/x.xml#mark"},
-        {"word/document.xml", "x.xml?q", "", "word/x.xml?q"},
-        {"word/document.xml", "http://h/a b", "", "http://h/a%20b"},
         {"word/document.xml", "http://h/a b", "External", "http://h/a b"},
-        {"word/document.xml", "mailto:a@b", "External", "mailto:a@b"},
-        {"word/document.xml", "", "", ""},
-        {"a/b/c/d.xml", "../../e.xml", "", "a/e.xml"},
-        {"top.xml", "media/x", "", "media/x"},
-        {"top.xml", "/x", "", "x"},
         {"top.xml", "../x", "", "x"},
-        {"a!/b.xml", "../x", "", "x"},
         {"q?/b.xml", "x", "", "q?/x"},
         // Escapes are taken out where the member is named without them.
         {"word/document.xml", "a%20b.png", "", "word/a b.png"},
-        {"word/document.xml", "a b.png", "", "word/a b.png"},
         {"word/document.xml", "c%20d.png", "", "word/c%20d.png"},
-        {"word/document.xml", "e%20f.png", "", "word/e%20f.png"},
         {"word/document.xml", "caf%C3%A9", "", "word/caf\xC3\xA9"},
         {"word/document.xml", "%E9t%E9", "", "word/\xC3\xA9t\xC3\xA9"},
-        {"my dir/b.xml", "x.png", "", "my dir/x.png"},
         // Targets of the package stay as they are written.
-        {"", "word/document.xml", "", "word/document.xml"},
         {"", "/word/document.xml", "", "/word/document.xml"},
         {"", "../x y%20z", "", "../x y%20z"},
     };
@@ -171,8 +127,6 @@ TEST(PackageTest, TargetsOfPartsAreMemberNames) {
         PackageInMemory package(
             {{source.empty() ? "unused" : source, ""},
              {"word/a b.png", ""},
-             {"word/e f.png", ""},
-             {"word/e%20f.png", ""},
              {"word/caf\xC3\xA9", ""},
              {"word/\xC3\xA9t\xC3\xA9", ""},
              {source.substr(0, slash) + "_rels/" + source.substr(slash) + ".rels",
@@ -206,8 +160,6 @@ TEST(PackageTest, TheFirstOfEqualRelationshipsWins) {
     EXPECT_EQ(s(package->getRelationshipTargetFromId(u("3"), part)), "");
     EXPECT_EQ(s(package->getRelationshipTargetMode(u("3"), part)), "");
     EXPECT_EQ(part->getRelationshipsIdMap().size(), 2u);
-    EXPECT_EQ(part->getRelationshipsTypeMap().size(), 2u);
-    EXPECT_EQ(part->getRelationshipsTargetMode().size(), 2u);
     EXPECT_TRUE(package->getRelationshipsIdMap().empty());
 }
 
@@ -221,13 +173,8 @@ TEST(PackageTest, ApplicationVersion) {
          "</Properties>",
          "16.0300"},
         {"any namespace", "<p:x xmlns:p='urn:p'><p:AppVersion> 1 </p:AppVersion></p:x>", " 1 "},
-        {"as the root", "<AppVersion>2</AppVersion>", "2"},
-        {"deep", "<a><b><AppVersion>3</AppVersion></b></a>", "3"},
-        {"the first", "<a><AppVersion>4</AppVersion><AppVersion>5</AppVersion></a>", "4"},
         {"references, CDATA, children",
          "<a><AppVersion>1&lt;&#x41;<![CDATA[&]]><!-- c --><b>2</b>3</AppVersion></a>", "1<A&23"},
-        {"empty", "<a><AppVersion/><AppVersion>5</AppVersion></a>", ""},
-        {"absent", "<a><appversion>1</appversion></a>", ""},
         {"broken in it", "<a><AppVersion>1<&</a>", ""},
         {"no part", nullptr, ""},
     };

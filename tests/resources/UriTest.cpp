@@ -17,24 +17,18 @@ TEST(UriTest, ConstructionMakesOneForm) {
         const char* expected;
     } rows[] = {
         {"", RyUri::URI_OR_PATH, ""},
-        {"  \t", RyUri::URI_OR_PATH, ""},
         {"C:\\My Docs\\a.xml", RyUri::URI_OR_PATH, "file:///C:/My%20Docs/a.xml"},
-        {"c:/a.xml", RyUri::PATH, "file:///c:/a.xml"},
         {"\\\\srv\\share\\a.xml", RyUri::URI_OR_PATH, "file://srv/share/a.xml"},
-        {"//srv/share", RyUri::URI_OR_PATH, "file://srv/share"},
         {"/tmp/a.xml", RyUri::URI_OR_PATH, "file:///tmp/a.xml"},
         {"\\tmp\\a b.xml", RyUri::PATH, "file:///tmp/a%20b.xml"},
         {" img\\a b.png\n", RyUri::URI_OR_PATH, "img/a%20b.png"},
         {"HTTP://h/a b?c d#e f", RyUri::URI_OR_PATH, "HTTP://h/a%20b?c%20d#e%20f"},
         {" data:text/plain,a b\\c ", RyUri::URI_OR_PATH, "data:text/plain,a b\\c"},
-        {"DATA:,a b", RyUri::URI_OR_PATH, "DATA:,a b"},
         {"file:/tmp/a", RyUri::URI_OR_PATH, "file:/tmp/a"},
         {"url(\"img.png\")", RyUri::CSS_URI_OR_PATH, "img.png"},
         {"url( 'a b.png' )", RyUri::CSS_PATH, "a%20b.png"},
-        {"url(img.png)", RyUri::CSS_PATH, "img.png"},
         {"url(img.png)", RyUri::URI_OR_PATH, "url(img.png)"},
         {"url(", RyUri::CSS_URI_OR_PATH, "url("},
-        {"url()", RyUri::CSS_URI_OR_PATH, ""},
         {"'/tmp/a'", RyUri::CSS_URI_OR_PATH, "file:///tmp/a"},
         {"'a\"", RyUri::CSS_URI_OR_PATH, "'a\""},
         {"'", RyUri::CSS_URI_OR_PATH, "'"},
@@ -52,7 +46,6 @@ TEST(UriTest, KindsAndSchemes) {
         {"", "", true, false, false},
         {"a/b.xml", "", true, false, false},
         {"1a:b", "", true, false, false},
-        {"a.b:c", "", true, false, false},
         {"FILE:///a", "file", true, false, false},
         {"http://h", "http", false, false, false},
         {"x+y-1:z", "x+y-1", false, false, false},
@@ -74,22 +67,16 @@ TEST(UriTest, FileNamesExtensionsAndBases) {
         const char *text, *name, *extension, *base;
     } rows[] = {
         {"", "", "", ""},
-        {"a.xml", "a.xml", "xml", ""},
         {"file:a.xml", "a.xml", "xml", ""},
         {"dir/a.tar.gz", "a.tar.gz", "gz", "dir/"},
         {"/a.b/c", "c", "", "file:///a.b/"},
         {"http://h/x/a.xml?q=b/c.d#e/f.g", "a.xml", "xml", "http://h/x/"},
-        {"http://h/x/#a/b", "", "", "http://h/x/"},
         {"http://h.org", "", "", "http://h.org/"},
-        {"http://h.org?q", "", "", "http://h.org/"},
-        {"http://h/.rc", ".rc", "rc", "http://h/"},
         {"http://h/a.", "a.", "", "http://h/"},
-        {"file://srv/share/a.xml", "a.xml", "xml", "file://srv/share/"},
         {"jar:file:///d.zip!/a.xml", "a.xml", "xml", "jar:file:///d.zip!/"},
         {"jar:http://h/d.zip?q!/m/a.xml?r", "a.xml", "xml", "jar:http://h/d.zip?q!/m/"},
         {"jar:http://h/d.zip", "d.zip", "zip", "jar:http://h/"},
         {"data:text/xml,<a/>.b", "", "", ""},
-        {"data:,a\\b.c", "", "", ""},
     };
     for (const auto& row : rows) {
         const RyUri uri(u(row.text));
@@ -99,21 +86,14 @@ TEST(UriTest, FileNamesExtensionsAndBases) {
     }
 }
 
-TEST(UriTest, FileNameOutlivesItsUri) {
-    const UnicodeString name =
-        RyUri(u("http://h/a-file-name-that-is-too-long-to-lie-inside.xml")).getFileName();
-    EXPECT_EQ(s(name), "a-file-name-that-is-too-long-to-lie-inside.xml");
-}
-
 TEST(UriTest, SetExtension) {
     const struct {
         const char *text, *extension, *expected;
     } rows[] = {
         {"a.xml", "pdf", "a.pdf"},
         {"a.xml", ".pdf", "a.pdf"},
-        {"a.xml", "", "a"},
-        {"a", "pdf", "a.pdf"},
         {"a.", "pdf", "a.pdf"},
+        {"a", "pdf", "a.pdf"},
         {"http://h/x.y/a?q.r#s.t", "pdf", "http://h/x.y/a.pdf?q.r#s.t"},
         {"http://h/dir/", "pdf", "http://h/dir/"},
         {"data:,a.b", "pdf", "data:,a.b"},
@@ -141,34 +121,25 @@ TEST(UriTest, DirectoriesAndFragments) {
 
 TEST(UriTest, UnescapeGivesOneUnitPerEscape) {
     const std::pair<const char*, UnicodeString> rows[] = {
-        {"", u""},
-        {"a%20b%2Fc%2fd", u"a b/c/d"},
-        {"%C3%A9", u"\u00C3\u00A9"},
-        {"100%", u"100%"},
-        {"%4", u"%4"},
-        {"%4x%%41", u"%4x%A"},
-        {"%00", UnicodeString(u"\0", 1)},
+        {"a%20b%2Fc%2fd", u"a b/c/d"}, {"%C3%A9", u"\u00C3\u00A9"},      {"100%", u"100%"},
+        {"%4x%%41", u"%4x%A"},         {"%00", UnicodeString(u"\0", 1)},
     };
     for (const auto& [text, expected] : rows) EXPECT_EQ(RyUri::unescape(u(text)), expected) << text;
 }
 
 TEST(UriTest, LocalPaths) {
     const std::pair<const char*, const char*> rows[] = {
-        {"", ""},
         {"file:///C:/a%20b/c.xml", "C:\\a b\\c.xml"},
         {"file:C:/a", "C:\\a"},
-        {"file://C:/a", "C:\\a"},
         {"file://localhost/C:/a", "C:\\a"},
         {"FILE://srv/share/a%20b.xml", "\\\\srv\\share\\a b.xml"},
         {"file:////srv/share", "\\\\srv\\share"},
         {"file:///tmp/a%20b", "/tmp/a b"},
         {"file:///tmp/a\\b", "/tmp/a/b"},
-        {"file://localhost/tmp/a", "/tmp/a"},
         {"file://LocalHost/tmp/a", "/tmp/a"},
         {"file://localhosts/tmp/a", "\\\\localhosts\\tmp\\a"},
         {"file:/tmp/%61", "/tmp/a"},
         {"file:a%20b", "a b"},
-        {"a%20b/c", "a b/c"},
         {"http://h/a%20b", "http://h/a%20b"},
         {"jar:file:///a%20b!/c", "jar:file:///a%20b!/c"},
     };
@@ -185,14 +156,10 @@ TEST(UriTest, DataUris) {
         {"data:text/plain;charset=utf-8;base64,AAAA", "text/plain", true, 37, 0},
         {"data:,abc,def;base64", "", false, 6, 0},
         {"data:application/pdf;page=12;BASE64,JVBE", "application/pdf", true, 36, 12},
-        {"data:a/b;page=0,", "a/b", false, 16, 0},
-        {"data:a/b;page=-3,", "a/b", false, 17, 0},
-        {"data:a/b;page=3x,", "a/b", false, 17, 0},
         {"data:a/b;page=99999999999,", "a/b", false, 26, 0},
         {"data:a/b;page=;x=base64;=,", "a/b", false, 26, 0},
         {"data:a/b;base64", "a/b", true, -1, 0},
         {"data:", "", false, -1, 0},
-        {"data:;;;,", "", false, 9, 0},
         {"http://h/a;page=3,b", "", false, -1, 0},
     };
     for (const auto& row : rows) {
@@ -206,15 +173,6 @@ TEST(UriTest, DataUris) {
                              RyUri::CSS_URI_OR_PATH);
     EXPECT_EQ(s(resolved), "data:x/y;page=2,z z");
     EXPECT_EQ(resolved.getPageNumber(), 2);
-}
-
-TEST(UriTest, ComparesByText) {
-    const RyUri a(u("http://h/a"));
-    const RyUri b(u("http://h/b"));
-    EXPECT_TRUE(a < b);
-    EXPECT_FALSE(b < a);
-    EXPECT_TRUE(a == RyUri(a));
-    EXPECT_FALSE(a.isRemote());
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// Archives that are cut, wrong, or made to do harm.
+// Archives that are cut or wrong. What only has to end stands in the hostile proof and in the fuzz
+// target.
 #include <RynCommon/RyZipFile.h>
 
 #include <gtest/gtest.h>
@@ -18,28 +19,11 @@ std::string makeSmallZip() {
     return makeZip({{"a.xml", makeText(200)}, {"b", "stored", 0}, {"c", makeText(90), 8}});
 }
 
-/// Reads everything every way; the sizes may not exceed what the archive can hold.
-void readEverything(const std::string& archive) {
-    for (const bool fromDirectory : {false, true}) {
-        for (const bool verify : {false, true}) {
-            const RyZipFile zip = openZip(archive, fromDirectory, verify);
-            ASSERT_LE(zip.getFileEntryCount(), archive.size() / 30 + 1);
-            for (unsigned i = 0; i < zip.getFileEntryCount(); ++i) {
-                RyZipFileEntry* const entry = zip.getFileEntry(i);
-                ASSERT_LE(readRest(*entry->getCompressedStream(false)).size(), archive.size());
-                readRest(*entry->getUncompressedStream(false));
-                ASSERT_NE(zip.getFileEntry(entry->getFileName()), nullptr);
-            }
-        }
-    }
-}
-
 TEST(ZipDamageTest, ACutArchiveHoldsWhatIsWholeOfIt) {
     const std::string archive = makeSmallZip();
     const Members whole = readMembers(openZip(archive));
     for (std::size_t size = 0; size < archive.size(); ++size) {
         const std::string cut = archive.substr(0, size);
-        readEverything(cut);
         const Members members = readMembers(openZip(cut));
         ASSERT_LE(members.size(), whole.size()) << size;
         for (std::size_t i = 0; i + 1 < members.size(); ++i)
@@ -51,34 +35,6 @@ TEST(ZipDamageTest, ACutArchiveHoldsWhatIsWholeOfIt) {
         ASSERT_TRUE(expected.starts_with(last) ||
                     expected.starts_with(last.substr(0, last.size() - 1)))
             << size << ": " << last;
-    }
-}
-
-TEST(ZipDamageTest, AWrongByteStaysWhereItIs) {
-    const std::string archive = makeSmallZip();
-    for (std::size_t at = 0; at < archive.size(); ++at) {
-        for (const int bits : {0x01, 0x80, 0xFF}) {
-            std::string damaged = archive;
-            damaged[at] = static_cast<char>(damaged[at] ^ bits);
-            readEverything(damaged);
-        }
-    }
-}
-
-/// Every 16-bit, 32-bit and 64-bit field at every place, so also every length, at its extremes.
-TEST(ZipDamageTest, FieldsAtTheirExtremes) {
-    const std::string archive = makeZip(
-        {{.name = "a", .data = makeText(100), .zip64 = true}, {"b", "stored", 0}}, {.zip64 = true});
-    for (const std::size_t width : {2, 4, 8}) {
-        for (const std::string& value :
-             {std::string(width, '\0'), "\x01" + std::string(width - 1, '\0'),
-              std::string(width, '\xFF'), std::string(width - 1, '\xFF') + "\x7F"}) {
-            for (std::size_t at = 0; at + width <= archive.size(); ++at) {
-                std::string damaged = archive;
-                damaged.replace(at, width, value);
-                readEverything(damaged);
-            }
-        }
     }
 }
 

@@ -25,28 +25,18 @@ struct Row {
 std::vector<Row> getReadable() {
     const std::vector<ZipMember> members{{"a", TEXT}, {"b", "2", 0}};
     const Members both{"a=" + TEXT, "b=2"};
-    const std::string fakeEnd = "PK\x05\x06"s + std::string(18, '\0');
     const std::string wildEnd = "PK\x05\x06"s + std::string(18, '\xF0');
     return {
-        {"no member", makeZip({}), {}},
-        {"two", makeZip(members), both},
         {"in front", makeZip(members, {.prefix = "#!/bin/sh\n" + TEXT}), both},
-        {"in front, zip64", makeZip(members, {.prefix = TEXT, .zip64 = true}), both},
-        {"zip64 end records", makeZip(members, {.zip64 = true}), both},
-        {"comment", makeZip(members, {.comment = "a comment"}), both},
         {"longest comment", makeZip(members, {.comment = std::string(65'535, 'c')}), both},
         {"wild end in the comment", makeZip(members, {.comment = "xx" + wildEnd + "xx"}), both},
-        {"empty end in the comment", makeZip(members, {.comment = fakeEnd + "xx"}), both},
-        {"something appended", makeZip(members, {.trailer = "appended"}), both},
         {"a gap behind the directory", makeZip(members, {.gap = "signature"}), both},
         {"count too small", makeZip(members, {.count = 1}), both},
         {"count too large", makeZip(members, {.count = 60'000}), both},
         {"zip64 count beyond reason", makeZip(members, {.zip64 = true, .count = ~0ull}), both},
-        {"size too small", makeZip(members, {.size = 3}), both},
         {"size too large", makeZip(members, {.size = 0xFFFFFF00}), both},
         {"descriptor", makeZip({{.name = "a", .data = TEXT, .descriptor = true}, {"b", "2"}}),
          both},
-        {"zip64 sizes", makeZip({{.name = "a", .data = TEXT, .zip64 = true}, {"b", "2"}}), both},
         {"zip64 sizes in front",
          makeZip({{.name = "a", .data = TEXT, .zip64 = true}, {"b", "2"}},
                  {.prefix = "prefix", .zip64 = true}),
@@ -59,16 +49,11 @@ std::vector<Row> getReadable() {
          makeZip({{.name = "a", .data = TEXT, .localExtra = "LOCAL", .comment = "comment"},
                   {.name = "b", .data = "2", .directoryExtra = "DIRECTORY"}}),
          both},
-        {"equal names", makeZip({{"a", "1"}, {"a", "2"}}), {"a=1", "a=2"}},
-        {"name in UTF-8", makeZip({{.name = "\u30C6", .data = "1", .utf8 = true}}), {"\u30C6=1"}},
         {"two members of one place",
          makeZip({{"a", "1"}, {.name = "b", .data = "1", .offset = 0}}),
          {"a=1", "b=1"}},
         {"an offset outside",
          makeZip({{.name = "a", .data = "1", .offset = 4'000'000}, {"b", "2"}}),
-         {"a=", "b=2"}},
-        {"a zip64 offset outside",
-         makeZip({{.name = "a", .data = "1", .zip64 = true, .offset = ~0ull - 7}, {"b", "2"}}),
          {"a=", "b=2"}},
         {"an offset to no header",
          makeZip({{.name = "a", .data = "1", .offset = 5}, {"b", "2"}}),
@@ -88,16 +73,6 @@ TEST(ZipDirectoryTest, WithoutAnEndThereIsNoMember) {
                                        makeZip(members, {.trailer = std::string(65'536, 't')})}) {
         EXPECT_EQ(readMembers(openZip(archive, true)), Members{});
     }
-}
-
-TEST(ZipDirectoryTest, SizesAreTheDirectorys) {
-    const RyZipFile zip =
-        openZip(makeZip({{.name = "a", .data = TEXT, .descriptor = true, .zip64 = true}}), true);
-    const RyZipFileEntry& entry = *zip.getFileEntry(0);
-    EXPECT_EQ(entry.getUncompressedSize(), TEXT.size());
-    EXPECT_EQ(entry.getCompressedSize(), deflateData(TEXT).size());
-    EXPECT_EQ(entry.getCompressionMethod(), RyZipFileEntry::DEFLATED);
-    EXPECT_EQ(entry.getSignature(), 0x02014B50u);
 }
 
 TEST(ZipDirectoryTest, TheArchiveBeginsWhereTheStreamStands) {
@@ -123,8 +98,6 @@ TEST(ZipDirectoryTest, CountsForTheNextOpening) {
     EXPECT_EQ(zip.getFileEntryCount(), 0u);
     in.seekg(0);
     zip.open(&in, false);
-    EXPECT_EQ(zip.getFileEntryCount(), 1u);
-    zip.setUseCentralDirectory(false);
     EXPECT_EQ(zip.getFileEntryCount(), 1u);
     EXPECT_EQ(in.tellg(), std::streampos(0));
 }

@@ -1,9 +1,10 @@
-// Sources of bytes that behave like slow connections.
+// Sources of bytes that behave like slow connections and broken disks.
 #pragma once
 
 #include <algorithm>
 #include <cstddef>
 #include <istream>
+#include <stdexcept>
 #include <streambuf>
 #include <string>
 #include <utility>
@@ -32,6 +33,20 @@ private:
     std::string bytes_;
     std::size_t ready_;
     std::size_t delivered_ = 0;
+};
+
+/// Delivers its bytes and throws where more is wanted.
+class BreakingSource : public std::streambuf {
+public:
+    explicit BreakingSource(std::string bytes = {}) : bytes_(std::move(bytes)) {
+        setg(bytes_.data(), bytes_.data(), bytes_.data() + bytes_.size());
+    }
+
+protected:
+    int_type underflow() override { throw std::runtime_error("broken"); }
+
+private:
+    std::string bytes_;
 };
 
 }  // namespace RynCommon

@@ -70,6 +70,16 @@ inline std::string makeText(std::size_t size, std::uint32_t seed = 1) {
     return text;
 }
 
+/// Bytes that do not compress; the same for the same arguments.
+inline std::string makeRandom(std::size_t size, std::uint32_t seed = 1) {
+    std::string noise(size, '\0');
+    for (char& c : noise) {
+        seed = seed * 1664525 + 1013904223;
+        c = static_cast<char>(seed >> 24);
+    }
+    return noise;
+}
+
 /// Reads to the end in pieces of `step` bytes; the ways a stream can be read differ inside.
 inline std::string readInSteps(std::istream& in, std::size_t step) {
     std::string bytes;

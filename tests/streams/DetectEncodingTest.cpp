@@ -2,13 +2,13 @@
 #include <RynCommon/RyDMCStream.h>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <fstream>
 #include <sstream>
 #include <string>
 
 #include "ByteSources.h"
+#include "tests/Scratch.h"
+#include "tests/Text.h"
 
 namespace RynCommon {
 namespace {
@@ -40,17 +40,11 @@ TEST(DetectEncodingTest, Samples) {
         {"UTF-8 cut by the sample", cut, "UTF-8", false},
         {"UTF-8 with mark", "\xEF\xBB\xBF", "UTF-8", true},
         {"UTF-16LE with mark", encode(ENGLISH, "UTF-16LE", true), "UTF-16LE", true},
-        {"UTF-16BE with mark", encode(ENGLISH, "UTF-16BE", true), "UTF-16BE", true},
-        {"UTF-32LE with mark", encode(ENGLISH, "UTF-32LE", true), "UTF-32LE", true},
         {"UTF-32BE with mark", encode(ENGLISH, "UTF-32BE", true), "UTF-32BE", true},
-        {"GB18030 with mark",
-         "\x84\x31\x95\x33"
-         "a",
-         "GB18030", true},
+        {"GB18030 with mark", "\x84\x31\x95\x33x", "GB18030", true},
         {"UTF-16LE", encode(ENGLISH, "UTF-16LE"), "UTF-16LE", false},
         {"UTF-16BE", encode(ENGLISH, "UTF-16BE"), "UTF-16BE", false},
         {"Shift_JIS", encode(JAPANESE, "Shift_JIS"), "Shift_JIS", false},
-        {"EUC-JP", encode(JAPANESE, "EUC-JP"), "EUC-JP", false},
         {"ISO-2022-JP", encode(JAPANESE, "ISO-2022-JP"), "ISO-2022-JP", false},
         {"a stray NUL", encode(ENGLISH, "UTF-8") + '\0', "UTF-8", false},
         {"a stray escape", encode(ENGLISH, "UTF-8") + "\x1B[0m", "UTF-8", false},
@@ -62,8 +56,7 @@ TEST(DetectEncodingTest, Samples) {
         UnicodeString name = u"old";
         bool flag = true;
         EXPECT_EQ(RyDMCStream::detectEncoding(&in, name, flag), *row.name != '\0') << row.what;
-        std::string bytes;
-        EXPECT_EQ(name.toUTF8String(bytes), row.name) << row.what;
+        EXPECT_EQ(s(name), row.name) << row.what;
         EXPECT_EQ(flag, row.flag) << row.what;
         EXPECT_TRUE(in.good()) << row.what;
         EXPECT_EQ(in.tellg(), std::streampos(1)) << row.what;
@@ -78,12 +71,11 @@ TEST(DetectEncodingTest, SourcesThatCannotSeekAndFiles) {
     EXPECT_TRUE(RyDMCStream::detectEncoding(&slow, name, flag));
     EXPECT_TRUE(name == u"EUC-JP");
 
-    const std::string path = testing::TempDir() + "ryn-detect-" + std::to_string(getpid());
-    std::ofstream(path) << encode(JAPANESE, "Shift_JIS");
-    EXPECT_TRUE(RyDMCStream::detectEncoding(path.c_str(), name, flag));
+    const ScratchFolder folder;
+    folder.write("file", encode(JAPANESE, "Shift_JIS"));
+    EXPECT_TRUE(RyDMCStream::detectEncoding(folder.path("file").c_str(), name, flag));
     EXPECT_TRUE(name == u"Shift_JIS");
-    unlink(path.c_str());
-    EXPECT_FALSE(RyDMCStream::detectEncoding(path.c_str(), name, flag));
+    EXPECT_FALSE(RyDMCStream::detectEncoding(folder.path("missing").c_str(), name, flag));
     EXPECT_TRUE(name.isEmpty());
     EXPECT_FALSE(RyDMCStream::detectEncoding(static_cast<const char*>(nullptr), name, flag));
     EXPECT_FALSE(RyDMCStream::detectEncoding(static_cast<std::istream*>(nullptr), name, flag));

@@ -93,15 +93,6 @@ std::u16string decodeInParts(streams::Decoder& decoder, std::string_view bytes, 
     return text;
 }
 
-/// `bytes` cut once, with U+E000 at the cut, so that what comes out before it counts, too.
-std::u16string decodeCut(streams::Decoder& decoder, std::string_view bytes, std::size_t cut) {
-    std::u16string text;
-    decodePart(decoder, bytes.substr(0, cut), 256, false, text);
-    text += u'\uE000';
-    decodePart(decoder, bytes.substr(cut), 256, true, text);
-    return text;
-}
-
 std::string describe(std::string_view bytes) {
     std::string text;
     for (const char byte : bytes) {
@@ -117,69 +108,16 @@ char toByte(std::size_t value) {
 }
 
 TEST(DoubleByteTest, EncodingsWithTables) {
-    const struct {
-        const char* name;
-        bool expected;
-    } rows[] = {
-        {"Shift_JIS", true},     {"cp932", true},        {"windows-31j", true}, {"EUC-JP", true},
-        {"EUC-KR", true},        {"cp949", true},        {"KoreanKSC", true},   {"GBK", true},
-        {"GB2312", true},        {"GB18030", true},      {"Big5", true},        {"cp950", true},
-        {"EUC-TW", true},        {"Big5-HKSCS", true},   {"UTF-8", false},      {"UTF-16", false},
-        {"windows-1252", false}, {"ISO-2022-JP", false},
+    const std::pair<const char*, bool> rows[] = {
+        {"windows-31j", true}, {"KoreanKSC", true}, {"GB18030", true},       {"EUC-TW", true},
+        {"Big5-HKSCS", true},  {"UTF-8", false},    {"windows-1252", false}, {"ISO-2022-JP", false},
     };
-    for (const auto& row : rows) {
-        const auto converter = openReplacing(row.name);
-        EXPECT_EQ(streams::acquireDoubleByteTable(*converter) != nullptr, row.expected) << row.name;
+    for (const auto& [name, expected] : rows) {
+        const auto converter = openReplacing(name);
+        EXPECT_EQ(streams::acquireDoubleByteTable(*converter) != nullptr, expected) << name;
     }
     for (const char* const name : getEncodings())
         EXPECT_NE(streams::acquireDoubleByteTable(*openReplacing(name)), nullptr) << name;
-}
-
-/// A pair stands in the table exactly if the converter, having taken it, holds nothing back and has
-/// given one unit, be it U+FFFD for two bytes that go together.
-TEST(DoubleByteTest, TablesHoldEveryPairOfOneUnit) {
-    for (const char* const name : getEncodings()) {
-        const auto converter = openReplacing(name);
-        const auto table = streams::makeDoubleByteTable(*converter);
-        ASSERT_NE(table, nullptr) << name;
-        std::size_t count = 0;
-        for (std::size_t pair = 0x8000; pair < 0x10000; ++pair) {
-            const char bytes[] = {toByte(pair >> 8), toByte(pair)};
-            const char* from = bytes;
-            UChar units[8];
-            UChar* to = units;
-            std::int32_t offsets[8] = {};
-            UErrorCode status = U_ZERO_ERROR;
-            ucnv_toUnicode(converter.getAlias(), &to, units + 8, &from, bytes + 2, offsets, false,
-                           &status);
-            const bool whole = ucnv_toUCountPending(converter.getAlias(), &status) == 0 &&
-                               to == units + 1 && !U16_IS_SURROGATE(units[0]);
-            ucnv_reset(converter.getAlias());
-            const bool lead = table->singles[pair >> 8] == DoubleByteTable::NONE;
-            const char16_t expected = whole && lead ? units[0] : DoubleByteTable::NONE;
-            ASSERT_EQ(table->pairs[DoubleByteTable::indexOf(static_cast<std::uint8_t>(pair >> 8),
-                                                            static_cast<std::uint8_t>(pair))],
-                      expected)
-                << name << ": " << describe({bytes, 2});
-            count += expected != DoubleByteTable::NONE && expected != 0xFFFD ? 1 : 0;
-        }
-        EXPECT_GT(count, 5000U) << name;
-    }
-}
-
-TEST(DoubleByteTest, OneAndTwoBytesWholeAndCutGiveWhatTheConverterGives) {
-    for (const char* const name : getEncodings()) {
-        const auto decoder = streams::openDecoder(name);
-        Reference reference(name);
-        for (std::size_t pair = 0; pair < 0x10000 + 0x100; ++pair) {
-            const char bytes[] = {toByte(pair >> 8), toByte(pair)};
-            const std::string_view sequence =
-                pair < 0x10000 ? std::string_view(bytes, 2) : std::string_view(bytes + 1, 1);
-            for (std::size_t cut = 0; cut <= sequence.size(); ++cut)
-                ASSERT_EQ(decodeCut(*decoder, sequence, cut), decodeCut(reference, sequence, cut))
-                    << name << ": " << describe(sequence) << "cut at " << cut;
-        }
-    }
 }
 
 /// Each pair with a lead byte within a text, where the fast loops meet it, between pairs, ASCII and
@@ -221,9 +159,10 @@ TEST(DoubleByteTest, EveryPairWithinTextGivesWhatTheConverterGives) {
 /// What follows a prefix, in parts of every size that cuts it.
 TEST(DoubleByteTest, LongerCharactersGiveWhatTheConverterGives) {
     const std::pair<const char*, const char*> rows[] = {
-        {"EUC-JP", "\x8F"},      {"ibm-33722_P120-1999", "\x8F"}, {"ibm-954_P101-2007", "\x8F"},
-        {"EUC-TW", "\x8E\xA2"},  {"GB18030", "\x81\x30"},         {"GB18030", "\x90\x30"},
-        {"GB18030", "\x84\x31"}, {"GB18030", "\xE3\x32"},
+        {"EUC-JP", "\x8F"},
+        {"EUC-TW", "\x8E\xA2"},
+        {"GB18030", "\x81\x30"},
+        {"GB18030", "\x90\x30"},
     };
     for (const auto& [encoding, prefix] : rows) {
         const auto decoder = streams::openDecoder(encoding);

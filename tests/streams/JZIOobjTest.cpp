@@ -6,15 +6,13 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <limits>
-#include <memory>
 #include <sstream>
 
 #include "tests/Scratch.h"
+#include "tests/streams/ByteSources.h"
+#include "tests/streams/DeflateData.h"
 
 namespace RynCommon {
 namespace {
@@ -27,12 +25,6 @@ protected:
     const std::string& directory_ = folder_.path();
 };
 
-std::string makePattern(std::size_t size) {
-    std::string text(size, '\0');
-    for (std::size_t i = 0; i < size; ++i) text[i] = static_cast<char>(i * 7 + i / 251);
-    return text;
-}
-
 TEST_F(JZIOobjTest, OpensRegularFilesOnly) {
     std::ofstream(path("file")) << "x";
     ASSERT_EQ(mkfifo(path("fifo").c_str(), 0600), 0);
@@ -42,31 +34,29 @@ TEST_F(JZIOobjTest, OpensRegularFilesOnly) {
         const char* mode;
         bool opens;
     } rows[] = {
-        {path("file"), "rb", true},  {path("file"), "r", false},     {path("file"), "r+b", false},
-        {path("file"), "ab", false}, {path("file"), nullptr, false}, {path("missing"), "rb", false},
-        {path("new"), "wb", true},   {path("no/new"), "wb", false},  {"", "rb", false},
-        {directory_, "rb", false},   {directory_, "wb", false},      {path("fifo"), "rb", false},
-        {path("fifo"), "wb", false}, {"/dev/null", "rb", false},     {"/dev/full", "wb", false},
+        {path("file"), "rb", true},
+        {path("\xC3\xA9"), "wb", true},
+        {path("file") + std::string(1, '\0'), "rb", false},
+        {path("file"), "r", false},
+        {path("file"), nullptr, false},
+        {"", "rb", false},
+        {directory_, "rb", false},
+        {directory_, "wb", false},
+        {path("fifo"), "rb", false},
         {path("zero"), "rb", false},
     };
     for (const auto& row : rows) {
         const char* const mode = row.mode == nullptr ? "null" : row.mode;
-        EXPECT_EQ(JZFileIOobj(row.path.c_str(), row.mode).isOpen(), row.opens) << row.path << mode;
         EXPECT_EQ(JZFileIOobj(UnicodeString::fromUTF8(row.path), row.mode).isOpen(), row.opens)
             << row.path << mode;
     }
     EXPECT_FALSE(JZFileIOobj(static_cast<const char*>(nullptr), "rb").isOpen());
-    const std::string withNul = path("file") + std::string("\0x", 2);
-    EXPECT_FALSE(JZFileIOobj(UnicodeString::fromUTF8(withNul), "rb").isOpen());
-    const UnicodeString named = UnicodeString::fromUTF8(path("\xC3\xA9"));
-    EXPECT_TRUE(JZFileIOobj(named, "wb").isOpen());
-    EXPECT_TRUE(std::filesystem::exists(path("\xC3\xA9")));
 }
 
 void readAnywhere(JZIOobj& io, const std::string& content) {
     std::size_t at = 0;
     std::string buffer(20'000, '\0');
-    for (const std::size_t count : {0UL, 1UL, 4UL, 4095UL, 4096UL, 4097UL, 9000UL, 20'000UL}) {
+    for (const std::size_t count : {0UL, 1UL, 4095UL, 4096UL, 4097UL, 20'000UL}) {
         for (std::size_t step = 0; step < 40; ++step) {
             if (step % 3 == 0) {
                 at = (at * 31 + step * 977 + count) % (content.size() + 1);
@@ -81,19 +71,15 @@ void readAnywhere(JZIOobj& io, const std::string& content) {
 }
 
 TEST_F(JZIOobjTest, ReadsAndSeeksAlike) {
-    const std::string content = makePattern(50'000);
+    const std::string content = makeText(50'000);
     std::ofstream(path("file"), std::ios::binary) << content;
     std::istringstream text(content);
-    std::ifstream stream(path("file"), std::ios::binary);
     std::istringstream throwing(content);
     throwing.exceptions(std::ios_base::eofbit | std::ios_base::failbit);
     JZFileIOobj file(path("file").c_str(), "rb");
     JZStreamIOobj overText(text);
-    JZStreamIOobj overFile(stream);
     JZStreamIOobj overThrowing(throwing);
-    for (JZIOobj* const io :
-         {static_cast<JZIOobj*>(&file), static_cast<JZIOobj*>(&overText),
-          static_cast<JZIOobj*>(&overFile), static_cast<JZIOobj*>(&overThrowing)}) {
+    for (JZIOobj* const io : std::initializer_list<JZIOobj*>{&file, &overText, &overThrowing}) {
         ASSERT_TRUE(io->isOpen());
         readAnywhere(*io, content);
         char byte = 0;
@@ -156,15 +142,10 @@ TEST_F(JZIOobjTest, WritesAtPositions) {
     EXPECT_FALSE(file.seek(0, SEEK_SET));
 }
 
-class BrokenBuf : public std::streambuf {
-protected:
-    int_type underflow() override { throw 1; }
-};
-
 TEST_F(JZIOobjTest, StreamsThatAreBadAreClosed) {
     std::istream none(nullptr);
     EXPECT_FALSE(JZStreamIOobj(none).isOpen());
-    BrokenBuf buffer;
+    BreakingSource buffer;
     for (const bool tells : {false, true}) {
         std::istream broken(&buffer);
         if (tells) broken.exceptions(std::ios_base::badbit);

@@ -55,9 +55,6 @@ TEST(MemStreamFindTest, NearMissesChangeNothing) {
         {"absent", std::string(100'000, 'a'), std::string(500, 'a') + "b" + std::string(500, 'a')},
         {"at the end", std::string(99'000, 'a') + "b" + std::string(700, 'a'),
          std::string(500, 'a') + "b" + std::string(500, 'a')},
-        {"at the start", std::string(600, 'a') + "b" + std::string(90'000, 'a'),
-         std::string(500, 'a') + "b" + std::string(500, 'a')},
-        {"short text", std::string(1200, 'a') + "b", std::string(900, 'a') + "b"},
         {"runs only", std::string(5000, 'a'), std::string(5000, 'a')},
     };
     for (const auto& row : rows) {
@@ -66,22 +63,6 @@ TEST(MemStreamFindTest, NearMissesChangeNothing) {
         // Again with what the first search left of the credit.
         EXPECT_EQ(search.find(Exact(row.text).get()), expected) << row.what;
         EXPECT_EQ(search.find(Exact(row.text).get()), expected) << row.what;
-    }
-}
-
-TEST(MemStreamFindTest, LineEndsAtEveryPlace) {
-    for (std::size_t size = 0; size < 100; ++size) {
-        const Exact none(std::string(size, '\x0B'));
-        EXPECT_EQ(findLineEnd(none.get().data(), none.get().data() + size),
-                  none.get().data() + size);
-        for (std::size_t at = 0; at < size; ++at) {
-            std::string text(size, '\x0C');
-            text[at] = at % 2 == 0 ? '\r' : '\n';
-            text.back() = '\n';
-            const Exact exact(text);
-            const char* const start = exact.get().data();
-            ASSERT_EQ(findLineEnd(start, start + size) - start, static_cast<std::ptrdiff_t>(at));
-        }
     }
 }
 

@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <set>
 #include <sstream>
 #include <stdexcept>
@@ -81,22 +80,19 @@ TEST_F(TempFileTest, NamesAreMadeOfTheirParts) {
         std::string expected;
     } rows[] = {
         {"no suffix", create("p"), directory_ + "p" + nameAfter(counter, 1)},
-        {"suffix", create("p", ".x"), directory_ + "p" + nameAfter(counter, 2) + ".x"},
-        {"neither", create(), directory_ + nameAfter(counter, 3)},
+        {"neither", create(), directory_ + nameAfter(counter, 2)},
         {"texts", RyTempFile::getTempFile(dir, u"é", u".ü"),
-         directory_ + "é" + nameAfter(counter, 4) + ".ü"},
-        {"bogus parts", RyTempFile::getTempFile(dir, none, none),
-         directory_ + nameAfter(counter, 5)},
+         directory_ + "é" + nameAfter(counter, 3) + ".ü"},
         {"no directory", RyTempFile::getTempFile(nullptr, "p", nullptr),
-         temp + "p" + nameAfter(counter, 6)},
+         temp + "p" + nameAfter(counter, 4)},
         {"bogus directory", RyTempFile::getTempFile(none, u"p", u""),
-         temp + "p" + nameAfter(counter, 7)},
+         temp + "p" + nameAfter(counter, 5)},
         {"part of a name for a directory",
          RyTempFile::getTempFile((directory_ + "tmp").c_str(), "x", nullptr),
-         directory_ + "tmpx" + nameAfter(counter, 8)},
+         directory_ + "tmpx" + nameAfter(counter, 6)},
         {"empty directory",
          RyTempFile::getTempFile(UnicodeString(), UnicodeString::fromUTF8(directory_ + "e"), none),
-         directory_ + "e" + nameAfter(counter, 9)},
+         directory_ + "e" + nameAfter(counter, 7)},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(std::string(row.path), row.expected) << row.what;
@@ -118,13 +114,15 @@ TEST_F(TempFileTest, TakenNamesAreLeftAlone) {
 
 /// Expects the error of creating or removing `path`.
 template <class Action>
-void expectError(unsigned short code, const std::string& message, Action action) {
+void expectError(unsigned short code, const std::string& message, const char* reason,
+                 Action action) {
     try {
         action();
         FAIL() << message;
     } catch (const RyError& error) {
         EXPECT_EQ(error.getErrorCode(), code);
-        EXPECT_EQ(s(error.getMessage()).substr(0, message.size()), message);
+        EXPECT_TRUE(s(error.getMessage()).starts_with(message)) << s(error.getMessage());
+        EXPECT_TRUE(s(error.getMessage()).ends_with(reason)) << s(error.getMessage());
         EXPECT_EQ(s(error.getSource()), "RynCommon::RyTempFile");
     }
 }
@@ -134,15 +132,10 @@ TEST_F(TempFileTest, TellsWhatCannotBeCreated) {
     const RyCStr path = file.getFileName();
     const std::string missing = directory_ + "missing/";
     expectError(4110, "Cannot create temporary file: " + missing + "p" + processPart(),
+                " (cannot create)\nNo such file or directory",
                 [&] { file.setFileName(missing.c_str(), "p", nullptr); });
     EXPECT_FALSE(exists(path));
     EXPECT_FALSE(file.isTempFile());
-    try {
-        create("a/", ".x");
-        FAIL();
-    } catch (const RyError& error) {
-        EXPECT_TRUE(error.getMessage().endsWith(u".x (cannot create)\nNo such file or directory"));
-    }
     EXPECT_THROW(RyTempFile(UnicodeString::fromUTF8(directory_), UnicodeString(u"\0", 1), u""),
                  RyError);
     EXPECT_TRUE(fs::is_empty(directory_));
@@ -158,7 +151,7 @@ protected:
 TEST_F(CrowdedTempFileTest, GivesUpWhenAllNamesAreTaken) {
     for (unsigned i = 0; i <= 0xFFFF; ++i)
         ASSERT_EQ(symlink("nowhere", (directory_ + nameAfter(i, 0)).c_str()), 0);
-    expectError(4110, "Cannot create temporary file: " + directory_ + processPart(),
+    expectError(4110, "Cannot create temporary file: " + directory_ + processPart(), "",
                 [&] { create(); });
 }
 
@@ -180,13 +173,9 @@ TEST_F(TempFileTest, ObjectsOwnTheirFiles) {
     EXPECT_TRUE(exists(path));
     {
         RyTempFile file;
-        EXPECT_FALSE(file.isTempFile());
-        file.remove();
         EXPECT_EQ(file.setFileName(path), path);
         const RyCStr second = file.setFileName(directory_.c_str(), "c", nullptr);
         EXPECT_FALSE(exists(path));
-        const RyTempFile copy(file);
-        EXPECT_EQ(copy.getFileName(), second);
         file.remove();
         EXPECT_FALSE(exists(second));
         EXPECT_TRUE(file.isTempFile());
@@ -198,14 +187,11 @@ TEST_F(TempFileTest, ObjectsOwnTheirFiles) {
 
 TEST_F(TempFileTest, TellsWhatCannotBeRemoved) {
     const std::string message = "Cannot remove temporary file: " + directory_ + ": ";
-    expectError(4109, message, [&] {
-        RyTempFile file;
-        file.setFileName(directory_.c_str());
-    });
     RyTempFile file;
     file.setFileName(directory_.c_str());
-    expectError(4109, message, [&] { file.remove(); });
-    expectError(4109, message, [&] { file.setFileName("other"); });
+    expectError(4109, message, "", [&] { file.remove(); });
+    expectError(4109, message, "", [&] { file.setFileName("other"); });
+    expectError(4109, message, "", [&] { RyTempFile().setFileName(directory_.c_str()); });
     EXPECT_EQ(std::string(file.releaseFileName()), directory_);
     EXPECT_FALSE(RyTempFile::removeTempFile(directory_.c_str()));
     EXPECT_TRUE(RyTempFile::removeTempFile((directory_ + "missing").c_str()));
@@ -243,60 +229,38 @@ std::vector<unsigned char> deflateBytes(const std::string& text) {
 }
 
 TEST_F(TempFileTest, InflatesRawData) {
-    const auto inflate = [](const std::vector<unsigned char>& data, std::string& text) {
-        std::ostringstream out;
-        const bool ended =
-            RyTempFile::inflate(out, data.data(), static_cast<unsigned int>(data.size()));
-        text = out.str();
-        return ended;
+    const auto inflate = [](std::ostream& out, const std::vector<unsigned char>& data) {
+        return RyTempFile::inflate(out, data.data(), static_cast<unsigned int>(data.size()));
     };
-    std::string back;
-    for (const std::size_t size : {0U, 1U, 4095U, 4096U, 4097U, 8192U, 100'000U}) {
-        const std::string text = makeText(size);
-        std::vector<unsigned char> data = deflateBytes(text);
-        EXPECT_TRUE(inflate(data, back)) << size;
-        EXPECT_EQ(back, text) << size;
+    for (const std::size_t size : {0U, 1U, 4095U, 4096U, 4097U, 100'000U}) {
+        std::vector<unsigned char> data = deflateBytes(makeText(size));
         data.push_back('x');
-        EXPECT_TRUE(inflate(data, back)) << size;
-        EXPECT_EQ(back, text) << size;
+        std::ostringstream out;
+        EXPECT_TRUE(inflate(out, data)) << size;
+        EXPECT_EQ(out.str(), makeText(size));
     }
-    const std::string text = makeText(20'000);
-    const std::string member = deflateData(text, Wrapper::Gzip);
-    EXPECT_FALSE(inflate({member.begin(), member.end()}, back));
-    EXPECT_FALSE(RyTempFile::inflate(std::cout, nullptr, 5));
-    const std::vector<unsigned char> whole = deflateBytes(text);
-    for (std::size_t size = 0; size < whole.size(); size += 1 + size / 100) {
-        EXPECT_FALSE(
-            inflate({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)}, back))
-            << size;
-        ASSERT_EQ(back, text.substr(0, back.size())) << size;
-    }
-    EXPECT_GT(back.size(), 18'000U);
-}
-
-TEST_F(TempFileTest, FailingOutputsEndTheInflation) {
-    const std::vector<unsigned char> data = deflateBytes(makeText(20'000));
-    const auto size = static_cast<unsigned int>(data.size());
+    std::vector<unsigned char> data = deflateBytes(makeText(20'000));
     std::ostringstream failed;
     failed.setstate(std::ios_base::badbit);
-    EXPECT_FALSE(RyTempFile::inflate(failed, data.data(), size));
+    EXPECT_FALSE(inflate(failed, data));
     std::ostream throwing(nullptr);
-    throwing.clear(std::ios_base::goodbit | throwing.rdstate());
     EXPECT_THROW(throwing.exceptions(std::ios_base::badbit), std::ios_base::failure);
-    EXPECT_FALSE(RyTempFile::inflate(throwing, data.data(), size));
+    EXPECT_FALSE(inflate(throwing, data));
+    EXPECT_FALSE(RyTempFile::inflate(std::cout, nullptr, 5));
+    data.resize(data.size() / 2);
+    std::ostringstream cut;
+    EXPECT_FALSE(inflate(cut, data));
+    EXPECT_EQ(cut.str(), makeText(20'000).substr(0, cut.str().size()));
+    EXPECT_GT(cut.str().size(), 8'000U);
 }
 
 TEST_F(TempFileTest, InflatesIntoItsFile) {
-    const std::string text = makeText(50'000);
-    const std::vector<unsigned char> data = deflateBytes(text);
-    const auto size = static_cast<unsigned int>(data.size());
     const RyTempFile file(directory_.c_str(), "f", nullptr);
-    for (const std::string& content : {makeText(50'000), makeText(7)}) {
-        const std::vector<unsigned char> bytes = deflateBytes(content);
-        EXPECT_TRUE(file.inflate(bytes.data(), static_cast<unsigned int>(bytes.size())));
-        std::ifstream in(file.getFileName().c_str(), std::ios_base::binary);
-        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), content);
-    }
+    const std::vector<unsigned char> data = deflateBytes(makeText(7));
+    const auto size = static_cast<unsigned int>(data.size());
+    std::ofstream(file.getFileName().c_str()) << makeText(50'000);
+    EXPECT_TRUE(file.inflate(data.data(), size));
+    EXPECT_EQ(fs::file_size(file.getFileName().c_str()), 7U);
     EXPECT_FALSE(file.inflate(data.data(), size / 2));
     EXPECT_FALSE(RyTempFile().inflate(data.data(), size));
     RyTempFile other;
@@ -311,9 +275,6 @@ TEST(CStrTest, NarrowFormIsUtf8) {
     text.append(u'b');
     EXPECT_STREQ(text, "aé漢😀b");
     EXPECT_STREQ(copy, "aé漢😀");
-    text = copy;
-    EXPECT_STREQ(text.c_str(), "aé漢😀");
-    EXPECT_STREQ(RyCStr(), "");
     EXPECT_STREQ(RyCStr(RyBogusString::BOGUS_VALUE), "");
 }
 
