@@ -160,8 +160,9 @@ TextInput::Refill TextInput::refill() {
 /// as one byte; false for all others. An XML declaration is nothing else, and reading it was a
 /// quarter of the time that a document of four kilobytes takes.
 bool TextInput::stepAscii() {
-    const bool isPlain = windowEnd_ == decodedEnd_ && !afterCarriageReturn_ && !isWide(kind_);
-    if (!isPlain || units_ == nullptr || !bytes_.need(1)) return false;
+    if (isWide(kind_) || kind_ == ENCODING_CONVERTER || units_ == nullptr) return false;
+    const bool isPlain = windowEnd_ == decodedEnd_ && !afterCarriageReturn_;
+    if (!isPlain || !bytes_.need(1)) return false;
     const std::uint8_t byte = *bytes_.begin();
     if (byte < 0x20 || byte > 0x7E) return false;
     bytes_.consume(1);
