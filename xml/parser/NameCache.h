@@ -42,7 +42,8 @@ struct CachedName {
 
 /// Maps spelt names to interned ones, for one parser at a time. Each distinct spelling asks
 /// the shared table once, and takes its lock where the process does not know the name yet;
-/// afterwards it is found by the hash of its units. Entries stay where they are for the life of the cache.
+/// afterwards it is found by the hash of its units. Entries stay where they are for the life of the
+/// cache.
 ///
 /// A name that is known was checked when it came first. So findBefore() does not look at classes of
 /// characters: it takes what stands before a delimiter, which eight units at a time tell, and a

@@ -4,11 +4,18 @@
 #include <typeinfo>
 
 #include "core/MemoryCheck.h"
+#include "core/SlabMemory.h"
 #include "xml/parser/XmlParserImpl.h"
 #include "xml/tree/AttrNodeMap.h"
 #include "xml/tree/NodeLinks.h"
 
 namespace RynCommon {
+
+/// As a new-expression, with the size known where the room is cut. The constructors cannot fail.
+template <class Node, class... Args>
+Node* PlainTree::make(Args&&... args) {
+    return ::new (SlabMemory::allocate(sizeof(Node))) Node(std::forward<Args>(args)...);
+}
 
 bool PlainTree::isPlain(const RyDocument& document, const RyNode& target) {
     if (typeid(document) != typeid(RyDocument)) return false;
@@ -18,7 +25,8 @@ bool PlainTree::isPlain(const RyDocument& document, const RyNode& target) {
 
 RyPtr<RyElement> PlainTree::makeElement(RyDocument& document, const XmlParserImpl& parser) {
     const NamespaceManager::Element& tag = parser.openElement();
-    RyElement* const element = new RyElement(&document, tag.ns, tag.name->prefix, tag.name->local);
+    RyElement* const element =
+        make<RyElement>(&document, tag.ns, tag.name->prefix, tag.name->local);
     element->setRefCount(1);
     RyPtr<RyElement> held = RyPtr<RyElement>::adopt(element);
     element->setFlag(RyNode::FLAG_LOADING, true);
@@ -41,7 +49,7 @@ void PlainTree::setAttribute(RyElement& element, RyName uri, RyName prefix, RyNa
         element.setAttributeEx(uri, prefix, local, takeWhole(UnicodeString(value.data(), length)));
         return;
     }
-    RyAttr* const attr = new RyAttr(element.getOwnerDocument(), uri, prefix, local);
+    RyAttr* const attr = make<RyAttr>(element.getOwnerDocument(), uri, prefix, local);
     attr->setRefCount(1);
     RyPtr<RyAttr> held = RyPtr<RyAttr>::adopt(attr);
     attr->setUnits(value);
@@ -54,7 +62,7 @@ void PlainTree::append(RyNode& parent, RyElement& element) {
 }
 
 RyNode* PlainTree::appendText(RyDocument& document, RyNode& parent, std::u16string_view text) {
-    RyTextNode* const node = new RyTextNode(
+    RyTextNode* const node = make<RyTextNode>(
         &document, RyCompactText(text.data(), static_cast<std::int32_t>(text.size())));
     node->setRefCount(1);
     NodeLinks::linkLast(parent, *node);

@@ -37,6 +37,8 @@ public:
     }
 
 private:
+    template <class Node, class... Args>
+    static Node* make(Args&&... args);
     static void setAttribute(RyElement& element, RyName uri, RyName prefix, RyName local,
                              std::u16string_view value);
 };
