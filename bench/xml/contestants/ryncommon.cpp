@@ -151,12 +151,14 @@ private:
     }
 
     void enterElement(const RyElement& element) {
-        sink_.start(view(element.getNamespaceUri()), view(element.getLocalName()));
+        // The document is the library's own, so that its classes' answers need no virtual call.
+        sink_.start(view(element.RyElement::getNamespaceUri()),
+                    view(element.RyElement::getLocalName()));
         for (const RyAttr* attr = element.getFirstAttribute(); attr != nullptr;
              attr = attr->getNextAttribute()) {
-            const RyName ns = attr->getNamespaceUri();
+            const RyName ns = attr->RyAttr::getNamespaceUri();
             if (ns == RN_NS_xmlns) continue;
-            sink_.attr(view(ns), view(attr->getLocalName()), attr->readText(text_));
+            sink_.attr(view(ns), view(attr->RyAttr::getLocalName()), attr->readText(text_));
         }
     }
 
