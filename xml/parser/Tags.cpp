@@ -29,50 +29,30 @@ UnicodeString qualified(RyName prefix, RyName local) {
 
 // Start tags.
 
-void XmlParserImpl::readStartTag() {
-    core_.event = START_TAG;
-    const int outer = namespaces_.depth();
-    if (outer == 0 && rootSeen_) core_.error(PARSE_SECOND_ROOT);
-    const CachedName& name = readElementName();
-    rootSeen_ = true;
-    if (static_cast<std::uint32_t>(outer) >= core_.limits.depth) core_.exceedLimit();
-    namespaces_.push(name);
-    attributes_.clear();
-    emptyTag_ = hasQualifiedAttribute_ = false;
-    if (!scanner().acceptInWindow(u'>')) {
-        readPlainAttributes();
-        readAttributes();
-    }
-    if (!defaults_.isEmpty()) applyDefaults(name);
-    if (outer == 0) bindBuiltinVocabulary(name);
-    // An element without prefixes takes the namespace that is in force.
-    if (name.prefix.isEmpty() && !hasQualifiedAttribute_ && attributes_.size() < 2)
-        namespaces_.top().ns = namespaces_.defaultNamespace();
-    else
-        resolveNamespaces();
-}
-
-const CachedName* XmlParserImpl::findElementName() const {
-    const char16_t* const begin = scanner().cursor();
-    const char16_t* const end = scanner().limit();
+/// The name that came behind the last one before, when it stands at the reading point again.
+inline const CachedName* XmlParserImpl::guessElementName() const {
     const CachedName* const guess = lastName_->successor;
-    if (guess != nullptr && isInWindow(*guess) && guess->standsAt(begin)) {
-        const char16_t behind = begin[guess->length];
-        const bool isEnd = behind == u'>' || behind == u' ' || behind == u'/';
-        if (isEnd && core_.allows(*guess)) return guess;
-    }
-    return core_.findBefore(begin, end, u'>', u' ', u'/');
+    if (guess == nullptr || !isInWindow(*guess)) return nullptr;
+    const char16_t* const begin = scanner().cursor();
+    const char16_t behind = begin[guess->length];
+    const bool isEnd = behind == u'>' || behind == u' ' || behind == u'/';
+    return isEnd && guess->standsAt(begin) && core_.allows(*guess) ? guess : nullptr;
 }
 
-const CachedName& XmlParserImpl::readElementName() {
-    const CachedName* const known = findElementName();
-    if (known != nullptr) {
-        scanner().moveTo(scanner().cursor() + known->length);
-        scanner().look(scanner().cursor() + 1);
+inline const CachedName& XmlParserImpl::readElementName() {
+    const CachedName* known = guessElementName();
+    if (known == nullptr) {
+        known = core_.findBefore(scanner().cursor(), scanner().limit(), u'>', u' ', u'/');
+        if (known == nullptr) return readNewElementName();
         lastName_->successor = known;
-        lastName_ = known;
-        return *known;
     }
+    lastName_ = known;
+    scanner().moveTo(scanner().cursor() + known->length);
+    scanner().look(scanner().cursor() + 1);
+    return *known;
+}
+
+const CachedName& XmlParserImpl::readNewElementName() {
     Scanner::Name spelt = scanner().scanQName();
     if (!spelt.complete && spelt.length == 0 && isSpaceAt(scanner())) {
         core_.error(PARSE_UNEXPECTED_SPACE, UnicodeString(u'<'));
@@ -84,27 +64,49 @@ const CachedName& XmlParserImpl::readElementName() {
     return noName_;
 }
 
+void XmlParserImpl::readStartTag() {
+    core_.event = START_TAG;
+    const int outer = namespaces_.depth();
+    if (outer == 0 && rootSeen_) core_.error(PARSE_SECOND_ROOT);
+    const CachedName& name = readElementName();
+    rootSeen_ = true;
+    if (static_cast<std::uint32_t>(outer) >= core_.limits.depth) core_.exceedLimit();
+    namespaces_.push(name);
+    attributes_.clear();
+    emptyTag_ = hasQualifiedAttribute_ = false;
+    if (!scanner().acceptInWindow(u'>') && !readPlainAttributes()) readAttributes();
+    if (!defaults_.isEmpty()) applyDefaults(name);
+    if (outer == 0) bindBuiltinVocabulary(name);
+    // An element without prefixes takes the namespace that is in force.
+    if (name.prefix.isEmpty() && !hasQualifiedAttribute_ && attributes_.size() < 2)
+        namespaces_.top().ns = namespaces_.defaultNamespace();
+    else
+        resolveNamespaces();
+}
+
 /// The attributes at the reading point that stand in the window as most do: a known name, "=" and a
-/// quoted value to be taken as it is. Everything else is left to readAttributes().
-void XmlParserImpl::readPlainAttributes() {
+/// quoted value to be taken as it is. Everything else is left to readAttributes(). True when the
+/// tag has ended.
+bool XmlParserImpl::readPlainAttributes() {
     const char16_t* const end = scanner().limit();
     const char16_t* p = scanner().cursor();
     while (p != end && isXmlSpace(*p) && attributes_.size() < core_.limits.attributes) {
         const char16_t* at = p + 1;
         while (at != end && isXmlSpace(*at)) ++at;
         const CachedName* const name = core_.findBefore(at, end, u'=');
-        if (name == nullptr) return;
+        if (name == nullptr) return false;
         at += name->length + 1;
-        if (at == end || (*at != u'"' && *at != u'\'')) return;
+        if (at == end || (*at != u'"' && *at != u'\'')) return false;
         const char16_t* const value = at + 1;
         const char16_t* const stop = scanValueStop(value, end, *at);
-        if (stop == end || *stop != *at) return;
+        if (stop == end || *stop != *at) return false;
         ParsedAttribute& attribute = attributes_.add(name->prefix, name->local);
         attribute.setPlain(value, static_cast<std::size_t>(stop - value));
         p = stop + 1;
         scanner().moveTo(p);
         finishAttribute(attribute);
     }
+    return scanner().acceptInWindow(u'>');
 }
 
 /// Up to and with ">" or "/>". "<" and the end of input end the tag as well.

@@ -148,9 +148,10 @@ private:
         return scanner().limit() - scanner().cursor() >
                static_cast<std::ptrdiff_t>(name.length) + 3;
     }
-    const CachedName* findElementName() const;
+    const CachedName* guessElementName() const;
     const CachedName& readElementName();
-    void readPlainAttributes();
+    const CachedName& readNewElementName();
+    bool readPlainAttributes();
     void readAttributes();
     void readAttribute();
     void finishAttribute(const ParsedAttribute& attribute);
