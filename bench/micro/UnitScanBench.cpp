@@ -1,0 +1,71 @@
+// The vector kernels against their scalar twins, over runs of the lengths that they meet: a name or
+// short value, a line, a paragraph, a block. Bytes per second of what is read.
+#include <benchmark/benchmark.h>
+
+#include <memory>
+#include <string>
+
+#include "core/UnitScan.h"
+
+namespace RynCommon {
+namespace {
+
+constexpr PassingSet TEXT_SET{0x5F, '\n', {'&', '<', '>', '&', '&'}};
+
+/// Runs in which nothing is found, so that all of each is looked at.
+struct Runs {
+    explicit Runs(std::size_t length)
+        : units(length, u'a'),
+          bytes(length, 'a'),
+          unitsOut(length, u'\0'),
+          bytesOut(length, '\0') {}
+
+    const char16_t* begin() const { return units.data(); }
+    const char16_t* end() const { return units.data() + units.size(); }
+    const std::uint8_t* data() const { return reinterpret_cast<const std::uint8_t*>(bytes.data()); }
+    std::uint8_t* room() { return reinterpret_cast<std::uint8_t*>(bytesOut.data()); }
+    std::size_t size() const { return units.size(); }
+
+    std::u16string units;
+    std::string bytes;
+    std::u16string unitsOut;
+    std::string bytesOut;
+};
+
+/// `call(runs)` reads `unitSize` bytes for each of the state's first argument.
+template <class Call>
+void measure(benchmark::State& state, std::size_t unitSize, Call call) {
+    Runs runs(static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(call(runs));
+        benchmark::ClobberMemory();
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * runs.size() * unitSize));
+}
+
+#define KERNEL(name, unitSize, ...)                                            \
+    void name##Vector(benchmark::State& state) {                               \
+        measure(state, unitSize, [](Runs& r) { return __VA_ARGS__; });         \
+    }                                                                          \
+    void name##Scalar(benchmark::State& state) {                               \
+        measure(state, unitSize, [](Runs& r) { return scalar::__VA_ARGS__; }); \
+    }                                                                          \
+    BENCHMARK(name##Vector)->Arg(12)->Arg(80)->Arg(1000)->Arg(16384);          \
+    BENCHMARK(name##Scalar)->Arg(12)->Arg(80)->Arg(1000)->Arg(16384)
+
+KERNEL(findTextStop, 2, findTextStop(r.begin(), r.end()));
+KERNEL(findValueStop, 2, findValueStop(r.begin(), r.end(), u'"'));
+KERNEL(findLineBreakUnit, 2, findLineBreakUnit(r.begin(), r.end()));
+KERNEL(findColumnStop, 2, findColumnStop(r.begin(), r.end()));
+KERNEL(countLines, 2, countLines(r.begin(), r.end()).charactersAfterLast);
+KERNEL(widenAscii, 1, widenAscii(r.data(), r.size(), r.unitsOut.data()));
+KERNEL(isLatin1, 2, isLatin1(r.begin(), r.size()));
+KERNEL(narrowLatin1, 2, narrowLatin1(r.begin(), r.size(), r.room()), 0);
+KERNEL(widenLatin1, 1, widenLatin1(r.data(), r.size(), r.unitsOut.data()), 0);
+KERNEL(copyPassing, 1, copyPassing(r.data(), r.size(), TEXT_SET, r.bytesOut.data()));
+KERNEL(narrowPassing, 2, narrowPassing(r.begin(), r.size(), TEXT_SET, r.bytesOut.data()));
+
+}  // namespace
+}  // namespace RynCommon
+
+BENCHMARK_MAIN();
