@@ -43,8 +43,9 @@ UnicodeString converterNameOf(const UnicodeString& name);
 /// of what was written. `out` has room for as many units as there are bytes, plus one. An
 /// unfinished character at the end stays unread, unless `final`: then it becomes U+FFFD. So does
 /// whatever is malformed; a byte or unit that breaks a sequence is read again on its own, so that
-/// it cannot be hidden. Overlong UTF-8 forms are not refused.
+/// it cannot be hidden. Overlong UTF-8 forms are not refused. `hasBreaks` tells whether there may
+/// be CR, U+0085, U+2028 or U+FFFF among the units.
 char16_t* decodeBlock(EncodingKind kind, const std::uint8_t*& in, const std::uint8_t* end,
-                      bool final, char16_t* out);
+                      bool final, char16_t* out, bool& hasBreaks);
 
 }  // namespace RynCommon

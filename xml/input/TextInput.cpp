@@ -197,7 +197,7 @@ bool TextInput::decodeMore() {
 
 char16_t* TextInput::decodeRest(char16_t* out) {
     const std::uint8_t* in = bytes_.begin();
-    char16_t* const end = decodeBlock(kind_, in, bytes_.end(), bytes_.atEnd(), out);
+    char16_t* const end = decodeBlock(kind_, in, bytes_.end(), bytes_.atEnd(), out, hasBreaks_);
     bytes_.consume(static_cast<std::size_t>(in - bytes_.begin()));
     return end;
 }
@@ -209,7 +209,7 @@ char16_t* TextInput::decodeStep(char16_t* out) {
         const bool final = !bytes_.need(count);
         if (final && bytes_.size() == 0) return out;
         const std::uint8_t* in = bytes_.begin();
-        end = decodeBlock(kind_, in, in + (final ? bytes_.size() : count), final, out);
+        end = decodeBlock(kind_, in, in + (final ? bytes_.size() : count), final, out, hasBreaks_);
         bytes_.consume(static_cast<std::size_t>(in - bytes_.begin()));
     }
     return end;
@@ -217,6 +217,8 @@ char16_t* TextInput::decodeStep(char16_t* out) {
 
 void TextInput::normaliseLineEnds(char16_t* begin, char16_t* end) {
     window_ = begin;
+    windowEnd_ = decodedEnd_ = end;
+    if (!hasBreaks_ && !afterCarriageReturn_) return;
     if (afterCarriageReturn_) {
         afterCarriageReturn_ = false;
         if (*begin == LF || *begin == NEL) ++window_;

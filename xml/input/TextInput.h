@@ -94,6 +94,7 @@ private:
     bool fromMark_ = false;
     bool stepping_ = false;
     bool afterCarriageReturn_ = false;
+    bool hasBreaks_ = true;  // what was decoded last may hold other line ends than LF
 
     std::unique_ptr<char16_t[]> units_;
     const char16_t* window_ = nullptr;

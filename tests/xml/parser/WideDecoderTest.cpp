@@ -47,8 +47,10 @@ TEST(WideDecoderTest, SurrogatesAnywhereInLongText) {
                 const std::vector<std::uint8_t> bytes = toBytes(with(row.units), kind);
                 std::u16string result(bytes.size() + 1, u'\0');
                 const std::uint8_t* in = bytes.data();
+                bool hasBreaks = false;
                 result.resize(static_cast<std::size_t>(
-                    decodeBlock(kind, in, in + bytes.size(), true, result.data()) - result.data()));
+                    decodeBlock(kind, in, in + bytes.size(), true, result.data(), hasBreaks) -
+                    result.data()));
                 ASSERT_EQ(result, with(row.expected)) << row.what << " at " << place;
                 ASSERT_EQ(in, bytes.data() + bytes.size()) << row.what << " at " << place;
             }
