@@ -21,9 +21,6 @@ namespace RynCommon {
 
 namespace {
 
-/// Code of all that conformant output refuses; it has the fallback text.
-constexpr unsigned short SYSTEM_NOT_WELL_FORMED = 2065;
-
 /// What the XML declaration names by custom: one character whose code is the number of the label's
 /// name.
 constexpr char16_t DECLARED_SHIFT_JIS = RN_SHIFT_JIS;
