@@ -47,6 +47,7 @@ set(RYN_HEADERS_xml
     RyNode.h
     RyNodeIterator.h
     RyTextNode.h
+    RyVocabularyName.h
     RyXmlParser.h
     RyXmlSerializer.h
     RyXmlUtil.h

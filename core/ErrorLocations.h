@@ -57,6 +57,7 @@ enum SystemErrorCode : unsigned short {
     SYSTEM_END_TAG_UNEXPECTED = 2062,
     SYSTEM_END_TAG_MISMATCH = 2063,  ///< takes the end tag's name and the start tag's
     SYSTEM_DOCDECL_UNEXPECTED = 2064,
+    SYSTEM_NOT_WELL_FORMED = 2065,  ///< what conformant output refuses; fallback text
     SYSTEM_UNSUPPORTED_NODE = 2066,
 };
 

@@ -194,7 +194,7 @@ UnicodeString readAll(std::istream& in) {
 
 UnicodeString decodeInPieces(const std::string& bytes, const char* name,
                              const std::vector<std::size_t>& sizes) {
-    ChunkBuf chunks(bytes, sizes);
+    ChunkSource chunks(bytes, sizes);
     std::istream source(&chunks);
     RyDMCStream in(&source, name);
     require(in.is_open(), "the encoding is not known", name);

@@ -8,6 +8,7 @@
 #include <optional>
 #include <sstream>
 
+#include "core/ErrorLocations.h"
 #include "fuzz/ExpatTree.h"
 #include "fuzz/Require.h"
 #include "fuzz/TreeText.h"
@@ -17,8 +18,6 @@ using namespace RynCommon;
 
 namespace {
 
-/// What serializers refuse to write because XML has no form for it.
-constexpr unsigned short UNWRITABLE = 2065;
 /// Our parser knows the versions 1.0 and 1.1 only, and wants white space behind the target of every
 /// processing instruction.
 constexpr std::string_view REFUSED_ON_PURPOSE[] = {"6182 ", "6188 "};
@@ -60,7 +59,7 @@ std::optional<std::string> save(RyDocument& document, const UnicodeString& encod
     try {
         document.save(out, nullptr, encoding);
     } catch (const RyError& error) {
-        require(error.getErrorCode() == UNWRITABLE, "saving fails", errorText(error));
+        require(error.getErrorCode() == SYSTEM_NOT_WELL_FORMED, "saving fails", errorText(error));
         return std::nullopt;
     }
     return out.str();

@@ -49,7 +49,7 @@ public:
     }
 
 private:
-    ChunkBuf buffer_;
+    ChunkSource buffer_;
     std::istream in_;
 
 public:

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "core/ErrorLocations.h"
 #include "fuzz/ByteFeed.h"
 #include "fuzz/Require.h"
 #include "fuzz/TreeModel.h"
@@ -19,17 +20,7 @@ namespace {
 constexpr std::size_t MAX_NODES = 40;
 constexpr std::size_t MAX_EDITS = 120;
 
-/// System errors of the tree, and none.
-enum Failure : unsigned short {
-    NONE = 0,
-    ARG_IS_NULL = 2051,
-    WRONG_DOCUMENT = 2054,
-    ATTR_IN_USE = 2056,
-    NOT_A_CHILD = 2057,
-    HIERARCHY = 2058,
-    WRONG_STATE = 2059,
-    UNWRITABLE = 2065
-};
+constexpr SystemErrorCode NONE{};
 
 template <class Edit>
 unsigned short failureOf(Edit edit) {
@@ -139,17 +130,17 @@ private:
     }
 
     /// What keeps `child` from being put below `parent`.
-    Failure failureOfChild(const ModelNode& parent, const ModelNode& child) {
+    SystemErrorCode failureOfChild(const ModelNode& parent, const ModelNode& child) {
         const bool isDocument = &child == &model_.at(0);
-        if (isDocument && &parent != &child) return WRONG_DOCUMENT;
-        return parent.isBelowOrSelf(child) ? HIERARCHY : NONE;
+        if (isDocument && &parent != &child) return SYSTEM_WRONG_DOCUMENT;
+        return parent.isBelowOrSelf(child) ? SYSTEM_HIERARCHY : NONE;
     }
     void requireFailure(const char* what, unsigned short expected, unsigned short found) {
         require(expected == found, what, std::to_string(expected), std::to_string(found));
     }
 
     void appendTo(ModelNode& parent, ModelNode& child) {
-        const Failure expected = failureOfChild(parent, child);
+        const SystemErrorCode expected = failureOfChild(parent, child);
         requireFailure("appendChild", expected,
                        failureOf([&] { parent.node->appendChild(child.node); }));
         if (expected != NONE) return;
@@ -162,7 +153,8 @@ private:
         if (choice >= 0xF8) {
             const bool isNull = choice >= 0xFC;
             RyNode* const bad = isNull ? nullptr : model_.stranger();
-            requireFailure("appendChild of what is none", isNull ? ARG_IS_NULL : WRONG_DOCUMENT,
+            requireFailure("appendChild of what is none",
+                           isNull ? SYSTEM_ARG_IS_NULL : SYSTEM_WRONG_DOCUMENT,
                            failureOf([&] { parent.node->appendChild(bad); }));
             return;
         }
@@ -172,9 +164,9 @@ private:
         ModelNode& parent = pick();
         ModelNode& child = pick();
         ModelNode& before = pickChild(parent);
-        Failure expected = failureOfChild(parent, child);
+        SystemErrorCode expected = failureOfChild(parent, child);
         if (&child == &before) expected = NONE;
-        if (before.parent != &parent) expected = NOT_A_CHILD;
+        if (before.parent != &parent) expected = SYSTEM_NOT_A_CHILD;
         requireFailure("insertBefore", expected,
                        failureOf([&] { parent.node->insertBefore(child.node, before.node); }));
         if (expected != NONE || &child == &before) return;
@@ -185,9 +177,9 @@ private:
         ModelNode& parent = pick();
         ModelNode& child = pick();
         ModelNode& old = pickChild(parent);
-        Failure expected = failureOfChild(parent, child);
+        SystemErrorCode expected = failureOfChild(parent, child);
         if (&child == &old) expected = NONE;
-        if (old.parent != &parent) expected = NOT_A_CHILD;
+        if (old.parent != &parent) expected = SYSTEM_NOT_A_CHILD;
         requireFailure("replaceChild", expected, failureOf([&] {
                            const RyPtr<RyNode> given =
                                parent.node->replaceChild(child.node, old.node);
@@ -202,7 +194,7 @@ private:
     void remove() {
         ModelNode& parent = pick();
         ModelNode& child = pickChild(parent);
-        const Failure expected = child.parent == &parent ? NONE : NOT_A_CHILD;
+        const SystemErrorCode expected = child.parent == &parent ? NONE : SYSTEM_NOT_A_CHILD;
         requireFailure("removeChild", expected,
                        failureOf([&] { parent.node->removeChild(child.node); }));
         if (expected == NONE) child.takeOut();
@@ -249,7 +241,7 @@ private:
         const UnicodeString text = pickText();
         const bool hasText =
             node.node->isText() || node.node->getNodeType() == RyNode::PROCESSING_INSTRUCTION_NODE;
-        requireFailure("setText", hasText ? NONE : WRONG_STATE,
+        requireFailure("setText", hasText ? NONE : SYSTEM_WRONG_STATE,
                        failureOf([&] { node.node->setText(text); }));
         if (hasText) node.text = text;
     }
@@ -339,9 +331,9 @@ private:
     void checkInUse(const ModelNode& element, RyAttr& attr) {
         ModelNode* const other = &pick();
         if (!other->isElement() || other == &element) return;
-        requireFailure("setAttributeNode", ATTR_IN_USE,
+        requireFailure("setAttributeNode", SYSTEM_ATTR_IN_USE,
                        failureOf([&] { other->element().setAttributeNode(&attr); }));
-        requireFailure("appendChild of an attribute", HIERARCHY,
+        requireFailure("appendChild of an attribute", SYSTEM_HIERARCHY,
                        failureOf([&] { other->node->appendChild(&attr); }));
     }
     void removeAttribute() {
@@ -410,7 +402,7 @@ void checkSaving(RyDocument& document) {
     std::ostringstream out;
     document.getSerializer()->setConformant(true);
     const unsigned short failure = failureOf([&] { document.save(out, root, u"UTF-8"); });
-    require(failure == NONE || failure == UNWRITABLE, "saving fails");
+    require(failure == NONE || failure == SYSTEM_NOT_WELL_FORMED, "saving fails");
     if (failure != NONE) return;
     const RyPtr<RyDocument> again(new RyDocument);
     std::istringstream in(out.str());

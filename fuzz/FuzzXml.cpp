@@ -156,7 +156,7 @@ Record read(const XmlInput& input, Mode mode, const Chunks& chunks, bool told) {
     const RyPtr<RyXmlParser> parser = RyXmlUtil::createXmlParser();
     prepareParser(*parser, input.features);
     if (told) parser->setCallbackError(&tell, &record);
-    ChunkBuf buffer(input.bytes, chunks);
+    ChunkSource buffer(input.bytes, chunks);
     std::istream in(&buffer);
     try {
         parser->setInput(in, input.encoding, UnicodeString(FUZZ_BASE));

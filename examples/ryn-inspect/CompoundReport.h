@@ -3,7 +3,7 @@
 
 #include <istream>
 
-#include "Inspection.h"
+#include "Extraction.h"
 
 /// `in` can seek. False when the file is damaged.
 bool reportCompoundFile(std::istream& in);

@@ -38,7 +38,7 @@ private:
 
 class XmlReport {
 public:
-    XmlReport(Input& input, const InspectionOptions& options) : input_(input), options_(options) {}
+    XmlReport(Input& input, const XmlReportOptions& options) : input_(input), options_(options) {}
 
     bool run() {
         load();
@@ -119,13 +119,13 @@ private:
     }
 
     Input& input_;
-    const InspectionOptions& options_;
+    const XmlReportOptions& options_;
     RyPtr<RyDocument> document_ = new RyDocument;
     UnicodeString encoding_;
 };
 
 }  // namespace
 
-bool reportXml(Input& input, const InspectionOptions& options) {
+bool reportXml(Input& input, const XmlReportOptions& options) {
     return XmlReport(input, options).run();
 }

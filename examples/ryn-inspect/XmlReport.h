@@ -2,7 +2,11 @@
 #pragma once
 
 #include "Input.h"
-#include "Inspection.h"
+
+struct XmlReportOptions {
+    /// Save what only this library reads, instead of what every XML reader takes.
+    bool defaultForm = false;
+};
 
 /// False when the document comes back changed. Errors of the document are thrown.
-bool reportXml(Input& input, const InspectionOptions& options);
+bool reportXml(Input& input, const XmlReportOptions& options);

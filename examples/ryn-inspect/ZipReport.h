@@ -3,7 +3,7 @@
 
 #include <istream>
 
-#include "Inspection.h"
+#include "Extraction.h"
 
 /// `in` can seek. False when the archive is damaged.
 bool reportZip(std::istream& in);

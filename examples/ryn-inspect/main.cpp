@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "Inspection.h"
+#include "ResourceReport.h"
 
 namespace {
 
@@ -47,7 +47,7 @@ struct Document {
 
 struct CommandLine {
     std::vector<Document> documents;
-    InspectionOptions options;
+    XmlReportOptions options;
     bool help = false;
     std::string mistake;
 };
@@ -86,8 +86,8 @@ int inspectAll(const CommandLine& line) {
     int surprises = 0;
     for (const Document& document : line.documents) {
         if (&document != &line.documents.front()) std::puts("");
-        const bool good = inspect(document.name, line.options,
-                                  document.extraction ? &*document.extraction : nullptr);
+        const bool good = reportResource(document.name, line.options,
+                                         document.extraction ? &*document.extraction : nullptr);
         if (document.broken)
             std::printf("  %-15s %s\n", "expected", good ? "an error, but there is none" : "yes");
         if (good == document.broken) ++surprises;

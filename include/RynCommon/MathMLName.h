@@ -2,7 +2,7 @@
 #pragma once
 
 #include <RynCommon/Forward.h>
-#include <RynCommon/RyName.h>
+#include <RynCommon/RyVocabularyName.h>
 
 namespace RynCommon {
 
@@ -16,29 +16,12 @@ enum MathMLNameEnum : std::int32_t {
 #undef RYN_VOCABULARY_NAME
 };
 
+extern template class RYNCOMMON_API RyVocabularyName<MathMLNameEnum>;
+
 /// One name of the vocabulary.
-class RYNCOMMON_API MathMLName {
+class RYNCOMMON_API MathMLName : public RyVocabularyName<MathMLNameEnum> {
 public:
-    constexpr MathMLName() = default;
-    constexpr MathMLName(MathMLNameEnum number) : number_(number) {}
-    /// The empty value for a name outside of the vocabulary.
-    MathMLName(RyName name);
-    explicit MathMLName(const RyValue& value);
-
-    constexpr bool isEmpty() const { return number_ == MATHML_EMPTY; }
-    constexpr operator MathMLNameEnum() const { return number_; }
-    operator RyName() const { return toRyName(number_); }
-    friend constexpr bool operator==(MathMLName a, MathMLName b) { return a.number_ == b.number_; }
-    friend constexpr bool operator!=(MathMLName a, MathMLName b) { return a.number_ != b.number_; }
-    friend constexpr bool operator==(MathMLName a, MathMLNameEnum b) { return a.number_ == b; }
-    friend constexpr bool operator!=(MathMLName a, MathMLNameEnum b) { return a.number_ != b; }
-
-    static RyName toRyName(MathMLNameEnum number);
-    /// Frees the look-up tables; they are built again when needed.
-    static void cleanup();
-
-private:
-    MathMLNameEnum number_ = MATHML_EMPTY;
+    using RyVocabularyName::RyVocabularyName;
 };
 
 }  // namespace RynCommon

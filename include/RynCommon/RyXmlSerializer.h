@@ -14,12 +14,13 @@ namespace RynCommon {
 /// namespaces itself.
 ///
 /// Calls in the wrong order are system errors 2060 to 2064 and write nothing; a missing or failed
-/// output is 4101 or 4103. Output is buffered: it reaches the stream when the buffer is full, in
-/// flush(), endDocument() and setOutput(), and after each call that leaves no element open. A
-/// serializer that is deleted does not touch the caller's stream any more. By default the output
-/// is, byte for byte, the established one: an XML declaration whose encoding is one odd character,
-/// generated prefixes that begin with a hyphen, control characters dropped. This library reads it
-/// back; setConformant() gives output that any XML reader takes.
+/// output is 4101 or 4103; a stream set to throw (badbit) has its std::bad_alloc pass. Output is
+/// buffered: it reaches the stream when the buffer is full, in flush(), endDocument() and
+/// setOutput(), and after each call that leaves no element open. A serializer that is deleted does
+/// not touch the caller's stream any more. By default the output is, byte for byte, the established
+/// one: an XML declaration whose encoding is one odd character, generated prefixes that begin with
+/// a hyphen, control characters dropped. This library reads it back; setConformant() gives output
+/// that any XML reader takes.
 class RYNCOMMON_API RyXmlSerializer : public RyRCObject {
 public:
     static unsigned int getStaticTypeID() { return 0xB2E73DE2u; }

@@ -33,6 +33,7 @@
 #include <RynCommon/RyUriStream.h>
 #include <RynCommon/RyUtil.h>
 #include <RynCommon/RyValue.h>
+#include <RynCommon/RyVocabularyName.h>
 #include <RynCommon/RyWritingMode.h>
 #include <RynCommon/RyXmlParser.h>
 #include <RynCommon/RyXmlSerializer.h>

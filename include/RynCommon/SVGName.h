@@ -2,7 +2,7 @@
 #pragma once
 
 #include <RynCommon/Forward.h>
-#include <RynCommon/RyName.h>
+#include <RynCommon/RyVocabularyName.h>
 
 namespace RynCommon {
 
@@ -15,29 +15,12 @@ enum SVGNameEnum : std::int32_t {
 #undef RYN_VOCABULARY_NAME
 };
 
+extern template class RYNCOMMON_API RyVocabularyName<SVGNameEnum>;
+
 /// One name of the vocabulary.
-class RYNCOMMON_API SVGName {
+class RYNCOMMON_API SVGName : public RyVocabularyName<SVGNameEnum> {
 public:
-    constexpr SVGName() = default;
-    constexpr SVGName(SVGNameEnum number) : number_(number) {}
-    /// The empty value for a name outside of the vocabulary.
-    SVGName(RyName name);
-    explicit SVGName(const RyValue& value);
-
-    constexpr bool isEmpty() const { return number_ == SVG_EMPTY; }
-    constexpr operator SVGNameEnum() const { return number_; }
-    operator RyName() const { return toRyName(number_); }
-    friend constexpr bool operator==(SVGName a, SVGName b) { return a.number_ == b.number_; }
-    friend constexpr bool operator!=(SVGName a, SVGName b) { return a.number_ != b.number_; }
-    friend constexpr bool operator==(SVGName a, SVGNameEnum b) { return a.number_ == b; }
-    friend constexpr bool operator!=(SVGName a, SVGNameEnum b) { return a.number_ != b; }
-
-    static RyName toRyName(SVGNameEnum number);
-    /// Frees the look-up tables; they are built again when needed.
-    static void cleanup();
-
-private:
-    SVGNameEnum number_ = SVG_EMPTY;
+    using RyVocabularyName::RyVocabularyName;
 };
 
 }  // namespace RynCommon

@@ -117,7 +117,7 @@ namespace {
 /// from the central directory's; -1 when no local header is there.
 std::int64_t locateData(std::streambuf& source, const zip::MemberHeader& header) {
     if (header.dataStart >= 0 || header.localStart < 0) return header.dataStart;
-    char bytes[zip::LOCAL_HEADER_SIZE];
+    char bytes[zip::LOCAL_HEADER_SIZE]{};
     const std::string_view local(bytes, sizeof bytes);
     if (!zip::seekTo(source, header.localStart)) return -1;
     if (zip::readBytes(source, bytes, sizeof bytes) < sizeof bytes) return -1;

@@ -8,20 +8,26 @@
 #include <streambuf>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace RynCommon {
 
-/// Has `ready` bytes in its buffer at a time; when they are taken it says that nothing is known to
-/// be ready, and counts how many bytes it was made to deliver.
+/// Has so many bytes in its buffer at a time, of the sizes given over and over again; when they are
+/// taken it says that nothing is known to be ready, and counts how many bytes it was made to
+/// deliver.
 class ChunkSource : public std::streambuf {
 public:
-    ChunkSource(std::string bytes, std::size_t ready) : bytes_(std::move(bytes)), ready_(ready) {}
+    ChunkSource(std::string bytes, std::vector<std::size_t> sizes)
+        : bytes_(std::move(bytes)), sizes_(std::move(sizes)) {}
+    ChunkSource(std::string bytes, std::size_t size)
+        : ChunkSource(std::move(bytes), std::vector{size}) {}
 
     std::size_t getDelivered() const { return delivered_; }
 
 protected:
     int_type underflow() override {
-        const std::size_t count = std::min(ready_, bytes_.size() - delivered_);
+        const std::size_t size = sizes_[turn_++ % sizes_.size()];
+        const std::size_t count = std::min(size, bytes_.size() - delivered_);
         if (count == 0) return traits_type::eof();
         char* const start = bytes_.data() + delivered_;
         setg(start, start, start + count);
@@ -31,7 +37,8 @@ protected:
 
 private:
     std::string bytes_;
-    std::size_t ready_;
+    std::vector<std::size_t> sizes_;
+    std::size_t turn_ = 0;
     std::size_t delivered_ = 0;
 };
 

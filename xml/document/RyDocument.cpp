@@ -190,13 +190,8 @@ void RyDocument::save(const UnicodeString& declaredEncoding, const UnicodeString
 UnicodeString RyDocument::saveXml(RyNode* node) {
     return withMemoryError(u"RynCommon::RyDocument::save", [&] {
         std::ostringstream out;
-        try {
-            save(out, node, u"UTF-8");
-        } catch (const RyError& error) {
-            // Nothing else makes a string stream fail.
-            if (error.getErrorCode() == IO_OUTPUT_ERROR) throw std::bad_alloc();
-            throw;
-        }
+        out.exceptions(std::ios::badbit);  // so that its lack of memory is not called a bad stream
+        save(out, node, u"UTF-8");
         return decodeUtf8(out.view());
     });
 }

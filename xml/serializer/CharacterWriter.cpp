@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <exception>
+#include <new>
 
 namespace RynCommon {
 
@@ -57,6 +59,17 @@ char* appendThreeByteRun(char* out, const char16_t*& p, const char16_t* end) {
     return out;
 }
 
+template <class Call>
+void callStream(Call call) {
+    try {
+        call();
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception&) {
+        // A stream that throws has marked itself as bad before.
+    }
+}
+
 }  // namespace
 
 // Buffer and names go with the output: a serializer stays with its document, and an application
@@ -86,12 +99,15 @@ void CharacterWriter::setShiftJis(bool on) {
 
 void CharacterWriter::drain() {
     if (out_ == nullptr || next_ == buffer_.get()) return;
-    try {
-        out_->write(buffer_.get(), next_ - buffer_.get());
-    } catch (const std::exception&) {
-        // A stream that throws has marked itself as bad before.
-    }
+    const std::streamsize size = next_ - buffer_.get();
     next_ = buffer_.get();
+    callStream([&] { out_->write(buffer_.get(), size); });
+}
+
+void CharacterWriter::flush() {
+    if (out_ == nullptr) return;
+    drain();
+    callStream([this] { out_->flush(); });
 }
 
 // Names.

@@ -17,7 +17,9 @@ namespace RynCommon {
 
 /// A buffer of encoded bytes in front of an output stream. The stream sees a write when the buffer
 /// is full or drain() is called, and keeps its own failure state: bytes that it does not take are
-/// lost, and the owner looks at the state before its next call.
+/// lost, and the owner looks at the state before its next call. Exceptions of a stream that is set
+/// to throw them are left to its state as well, except for lack of memory, which passes from any
+/// call that writes; a stream that is not says no more than that it is bad.
 ///
 /// Control characters that XML 1.0 forbids are dropped unless they are escaped. A character that
 /// Shift_JIS lacks becomes a decimal reference, wherever it stands.
@@ -55,8 +57,10 @@ public:
         char* const out = room(NameBytes::MOST + before.size() + after.size());
         next_ = appendText(entry.append(appendText(out, before)), after);
     }
-    /// Hands the buffer to the stream. An exception of the stream is left to its state.
+    /// Hands the buffer to the stream.
     void drain();
+    /// And has the stream pass it on.
+    void flush();
 
     /// Whether every character of the text can be written as itself, in the encoding set.
     bool canEncode(const UnicodeString& text) const;

@@ -11,6 +11,8 @@
 
 #include <unicode/locid.h>
 
+#include <new>
+
 #include <RynCommon/RyNameTable.h>
 #include <RynCommon/RyXmlUtil.h>
 
@@ -20,9 +22,6 @@
 namespace RynCommon {
 
 namespace {
-
-/// Code of all that conformant output refuses; it has the fallback text.
-constexpr unsigned short SYSTEM_NOT_WELL_FORMED = 2065;
 
 /// What the XML declaration names by custom: one character whose code is the number of the label's
 /// name.
@@ -59,10 +58,9 @@ void XmlSerializerImpl::setConformant(bool on) {
 
 void XmlSerializerImpl::dropOutput(bool drain) {
     if (out_ != nullptr && drain) {
-        writer_.drain();
         try {
-            out_->flush();
-        } catch (const std::exception&) {
+            writer_.flush();
+        } catch (const std::bad_alloc&) {
             // The stream has marked itself as bad; there is no call to report it to.
         }
     }
@@ -110,12 +108,7 @@ void XmlSerializerImpl::requireWellFormed(bool condition, int location) const {
 void XmlSerializerImpl::flush() {
     checkStream();
     closeStartTag();
-    writer_.drain();
-    try {
-        out_->flush();
-    } catch (const std::exception&) {
-        // The state tells the same.
-    }
+    writer_.flush();
     checkStream();
 }
 
@@ -173,19 +166,22 @@ void XmlSerializerImpl::docdecl(const UnicodeString& text) {
 
 void XmlSerializerImpl::endDocument() {
     checkStream();
-    while (!elements_.empty()) endElement();
-    writer_.drain();
-    // A stream of our own is closed by the drop, which flushes it; its failure has to be seen
-    // before.
     try {
-        out_->flush();
-    } catch (const std::exception&) {
-        // The state tells the same.
+        while (!elements_.empty()) endElement();
+        // A stream of our own is closed by the drop, which flushes it; its failure has to be seen
+        // before.
+        writer_.flush();
+        checkStream();
+    } catch (...) {
+        leaveDocument();
+        throw;
     }
-    const bool failed = out_->fail();
+    leaveDocument();
+}
+
+void XmlSerializerImpl::leaveDocument() {
     dropOutput(false);
     state_ = DOCUMENT_ENDED;
-    if (failed) throwIoError(IO_OUTPUT_ERROR, LOCATION_SERIALIZER_CHECK_STREAM);
 }
 
 // Tags.

@@ -82,6 +82,7 @@ private:
     // Output.
     void start(std::ostream* out, const UnicodeString& encoding);
     void dropOutput(bool drain);
+    void leaveDocument();
     void checkStream() const;
     void requireWellFormed(bool condition, int location = -1) const;
 

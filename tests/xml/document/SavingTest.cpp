@@ -1,7 +1,9 @@
 // Saving: round trips, options, compound attributes, piecewise output, errors; and very deep trees.
 #include <RynCommon/RyNamedValue.h>
 
+#include <new>
 #include <sstream>
+#include <streambuf>
 
 #include "tests/xml/tree/TreeFixture.h"
 
@@ -99,6 +101,10 @@ public:
     RyNodeType getNodeType() const override { return ENTITY_NODE; }
 };
 
+class NoMemoryBuffer : public std::streambuf {
+    int overflow(int) override { throw std::bad_alloc(); }
+};
+
 TEST(RyDocumentSaving, ErrorsDropTheSerializer) {
     const RyPtr<RyDocument> document = documentOf("<a x='1'>t</a>");
     RyElement& a = *document->getDocumentElement();
@@ -107,6 +113,9 @@ TEST(RyDocumentSaving, ErrorsDropTheSerializer) {
     std::ostringstream out;
     std::ostringstream failed;
     failed.setstate(std::ios::badbit);
+    NoMemoryBuffer noMemory;
+    std::ostream hungry(&noMemory);
+    hungry.exceptions(std::ios::badbit);
     const struct {
         const char* what;
         std::function<void()> save;
@@ -116,6 +125,8 @@ TEST(RyDocumentSaving, ErrorsDropTheSerializer) {
         {"as text", [&] { document->saveXml(a.getFirstAttribute()); }, unsupported},
         {"failed stream", [&] { document->save(failed, nullptr, u""); },
          "4103 RynCommon::XmlSerializerImpl::checkStream: Output stream error."},
+        {"a stream without memory", [&] { document->save(hungry, nullptr, u""); },
+         "2049 RynCommon::RyDocument::save: Out of memory."},
         {"a child without a start", [&] { document->saveChildElement(&a); },
          "4101 RynCommon::XmlSerializerImpl::checkStream: Output stream is not set."},
         {"no child", [&] { document->saveChildElement(nullptr); },

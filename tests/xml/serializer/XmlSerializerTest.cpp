@@ -3,11 +3,14 @@
 
 #include <cstdio>
 #include <fstream>
+#include <new>
 #include <sstream>
+#include <streambuf>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "core/MemoryCheck.h"
 #include "tests/xml/serializer/SerializerScript.h"
 
 namespace RynCommon {
@@ -154,16 +157,26 @@ TEST(XmlSerializerTest, Docdecl) {
     }
 }
 
-// Takes so many bytes and fails from then on.
+// Takes so many bytes and fails from then on, for want of room or of memory.
 class FullBuffer : public std::streambuf {
 public:
-    explicit FullBuffer(int room) : room_(room) {}
+    FullBuffer(int room, bool lacksMemory) : room_(room), lacksMemory_(lacksMemory) {}
 
 protected:
-    int overflow(int c) override { return --room_ < 0 ? traits_type::eof() : c; }
+    int overflow(int c) override {
+        if (--room_ >= 0) return c;
+        return fail(traits_type::eof());
+    }
+    int sync() override { return room_ > 0 ? 0 : fail(-1); }
 
 private:
+    int fail(int result) const {
+        if (lacksMemory_) throw std::bad_alloc();
+        return result;
+    }
+
     int room_;
+    bool lacksMemory_;
 };
 
 TEST(XmlSerializerTest, OutputErrors) {
@@ -200,16 +213,47 @@ TEST(XmlSerializerTest, OutputErrors) {
 }
 
 TEST(XmlSerializerTest, AFullOutputIsReported) {
-    for (const bool throwing : {false, true}) {
-        FullBuffer buffer(100);
-        std::ostream out(&buffer);
-        if (throwing) out.exceptions(std::ios::badbit | std::ios::failbit);
-        const RyPtr<RyXmlSerializer> s = makeSerializer();
-        s->setOutput(&out, UnicodeString());
-        s->startTag(NONE, NONE, A, false);
-        s->text(UnicodeString(200, u'x', 200));
-        EXPECT_EQ(failureOf([&] { s->endDocument(); }).code, 4103) << throwing;
-        EXPECT_EQ(failureOf([&] { s->text(u""); }).code, 4101) << throwing;
+    const struct {
+        const char* what;
+        bool lacksMemory;
+        std::ios::iostate thrown;
+        int expected;
+    } rows[] = {
+        {"no room", false, std::ios::goodbit, 4103},
+        {"no room, thrown", false, std::ios::badbit | std::ios::failbit, 4103},
+        {"no memory", true, std::ios::goodbit, 4103},
+        {"no memory, thrown", true, std::ios::badbit, 2049},
+    };
+    for (const auto& row : rows) {
+        // What is written ends within the room, right at its end, and behind it; the last is more
+        // than the serializer keeps back.
+        for (const int length : {193, 200, 100'000}) {
+            FullBuffer buffer(200, row.lacksMemory);
+            std::ostream out(&buffer);
+            out.exceptions(row.thrown);
+            const RyPtr<RyXmlSerializer> s = makeSerializer();
+            const auto write = [&](auto end) {
+                s->setOutput(&out, UnicodeString());
+                out.clear();
+                s->startTag(NONE, NONE, A, false);
+                s->text(UnicodeString(length, u'x', length));
+                end();
+            };
+            const auto codeOf = [&](auto end) {
+                return failureOf([&] { withMemoryError(u"", [&] { write(end); }); }).code;
+            };
+            EXPECT_EQ(codeOf([&] { s->endDocument(); }), row.expected) << row.what << length;
+            if (length < 1000) {
+                EXPECT_EQ(failureOf([&] { s->text(u""); }).code, 4101) << row.what << length;
+            }
+            out.clear();
+            EXPECT_EQ(codeOf([&] { s->flush(); }), row.expected) << row.what << length;
+            std::ostringstream other;
+            s->setOutput(&other, UnicodeString());
+            s->startTag(NONE, NONE, A, false);
+            s->endDocument();
+            EXPECT_EQ(other.str(), "<a/>") << row.what << length;
+        }
     }
 }
 

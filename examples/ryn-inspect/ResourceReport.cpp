@@ -1,5 +1,5 @@
-// What ryn-inspect does with one resource.
-#include "Inspection.h"
+// The report of any resource.
+#include "ResourceReport.h"
 
 #include <RynCommon/RyError.h>
 
@@ -11,7 +11,6 @@
 #include "Format.h"
 #include "Input.h"
 #include "Report.h"
-#include "XmlReport.h"
 #include "ZipReport.h"
 
 using namespace RynCommon;
@@ -41,7 +40,7 @@ std::uint64_t sizeOf(std::istream& stream) {
     return static_cast<std::uint64_t>(stream.tellg());
 }
 
-bool report(Input& input, Input::Kind kind, const InspectionOptions& options) {
+bool report(Input& input, Input::Kind kind, const XmlReportOptions& options) {
     switch (kind) {
         case Input::Kind::ZIP:
             return reportZip(input.wholeStream());
@@ -61,8 +60,8 @@ bool extract(Input& input, Input::Kind kind, const Extraction& extraction) {
     return printError("nothing can be copied out of this");
 }
 
-bool inspectLayers(const std::string& name, const InspectionOptions& options,
-                   const Extraction* extraction) {
+bool reportLayers(const std::string& name, const XmlReportOptions& options,
+                  const Extraction* extraction) {
     std::deque<Input> layers;  // each reads the one before
     layers.emplace_back(name);
     if (layers.back().empty()) return printError(formatText(layers.back().reason()));
@@ -81,11 +80,11 @@ bool inspectLayers(const std::string& name, const InspectionOptions& options,
 
 }  // namespace
 
-bool inspect(const std::string& name, const InspectionOptions& options,
-             const Extraction* extraction) {
+bool reportResource(const std::string& name, const XmlReportOptions& options,
+                    const Extraction* extraction) {
     std::printf("%s\n", formatText(UnicodeString::fromUTF8(name)).c_str());
     try {
-        return inspectLayers(name, options, extraction);
+        return reportLayers(name, options, extraction);
     } catch (const RyError& error) {
         printError(error);
     } catch (const std::exception& error) {
