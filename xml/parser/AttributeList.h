@@ -20,7 +20,7 @@ public:
 
     void setPlain(const char16_t* text, std::size_t length) {
         plain_ = text;
-        length_ = length;
+        length_ = static_cast<std::uint32_t>(length) & MOST_UNITS;
         isAliased_ = false;
     }
     /// The string that holds a value which stands nowhere as it is; what it was is left over.
@@ -50,9 +50,12 @@ public:
     }
 
 private:
-    const char16_t* plain_ = nullptr;  // null while value_ holds the value
-    std::size_t length_ = 0;
-    mutable bool isAliased_ = false;  // value_ shows the units at plain_
+    static constexpr std::uint32_t MOST_UNITS = 0x7FFFFFFF;
+
+    // No larger than it must be: a tag may have one of these for every few bytes.
+    std::uint32_t length_ : 31 = 0;
+    mutable std::uint32_t isAliased_ : 1 = 0;  // value_ shows the units at plain_
+    const char16_t* plain_ = nullptr;          // null while value_ holds the value
     mutable UnicodeString value_;
 };
 

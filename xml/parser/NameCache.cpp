@@ -66,9 +66,6 @@ CachedName& NameCache::insert(Slot& slot, std::uint32_t hash, const char16_t* te
     entry.colon = colon;
     entry.text = keep(text, length);
     entry.length = static_cast<std::uint32_t>(length);
-    const std::size_t inHead = std::min<std::size_t>(length, 4);
-    entry.head = detail::packUnits(text, inHead);
-    entry.headMask = inHead == 0 ? 0 : ~std::uint64_t{0} >> (64 - 16 * inHead);
     --entryRoom_;
     slot = {hash, entry.length, &entry};
     ++count_;

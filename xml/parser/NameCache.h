@@ -25,19 +25,8 @@ struct CachedName {
     /// The name of the start tag that came behind this one's last time, or null. Mostly it comes
     /// again, and a comparison with it spares the look-up.
     mutable const CachedName* successor = nullptr;
-    /// The first four units, or as many as there are, and which bits of four they take: a short
-    /// name is compared in one step.
-    std::uint64_t head = 0;
-    std::uint64_t headMask = 0;
 
     static constexpr std::int32_t WHOLE = -2;
-
-    /// Whether the text at `place` begins with the name. At least four units lie there, and as many
-    /// as the name has.
-    bool standsAt(const char16_t* place) const {
-        if ((detail::loadFourUnits(place) & headMask) != head) return false;
-        return length <= 4 || equalUnits(place, text, length);
-    }
 };
 
 /// Maps spelt names to interned ones, for one parser at a time. Each distinct spelling asks

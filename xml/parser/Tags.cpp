@@ -36,7 +36,8 @@ inline const CachedName* XmlParserImpl::guessElementName() const {
     const char16_t* const begin = scanner().cursor();
     const char16_t behind = begin[guess->length];
     const bool isEnd = behind == u'>' || behind == u' ' || behind == u'/';
-    return isEnd && guess->standsAt(begin) && core_.allows(*guess) ? guess : nullptr;
+    return isEnd && equalUnits(begin, guess->text, guess->length) && core_.allows(*guess) ? guess
+                                                                                          : nullptr;
 }
 
 inline const CachedName& XmlParserImpl::readElementName() {
@@ -286,7 +287,8 @@ bool XmlParserImpl::readEndTag() {
     // Nearly always the open element's name as it was spelt, and ">".
     const char16_t* const begin = scanner().cursor();
     const std::size_t length = expected.length;
-    if (isInWindow(expected) && begin[length] == u'>' && expected.standsAt(begin) && length != 0) {
+    if (isInWindow(expected) && begin[length] == u'>' && equalUnits(begin, expected.text, length) &&
+        length != 0) {
         scanner().moveTo(begin + length + 1);
         return true;
     }

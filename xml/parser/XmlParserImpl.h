@@ -143,10 +143,9 @@ private:
     void readStartTag();
     bool readEndTag();
     bool readOtherEndTag(const CachedName& expected);
-    /// Whether the window has room for the name, a delimiter, and four units.
+    /// Whether the window has room for the name and a delimiter.
     bool isInWindow(const CachedName& name) const {
-        return scanner().limit() - scanner().cursor() >
-               static_cast<std::ptrdiff_t>(name.length) + 3;
+        return scanner().limit() - scanner().cursor() > static_cast<std::ptrdiff_t>(name.length);
     }
     const CachedName* guessElementName() const;
     const CachedName& readElementName();
@@ -178,7 +177,7 @@ private:
     Scanner& scanner() const { return core_.scanner; }
 
     mutable ParserCore core_;  // positions are counted when they are asked for
-    CachedName noName_{u"", 0, RyName(), RyName(), -1, nullptr, 0, 0};
+    CachedName noName_{u"", 0, RyName(), RyName(), -1};
     const CachedName* lastName_ = &noName_;  // of the start tag before
     NamespaceManager namespaces_;
     AttributeList attributes_;
