@@ -137,7 +137,6 @@ void Loader::begin(RyNode& target) {
 }
 
 void Loader::readOn(bool pull) {
-    isPulled_ = pull;
     if (!pull) read([](const RyNode*) { return false; });
 }
 
@@ -248,11 +247,7 @@ void Loader::closeInnermost(Ending ending) {
     open_.pop_back();
     node->setFlag(RyNode::FLAG_LOADING, false);
     if (ending == Ending::COMPLETE) node->setFlag(RyNode::FLAG_LOADED, true);
-    if (node == &document_) return;
-    if (plain_ != nullptr && !isPulled_)
-        PlainTree::drop(*node);
-    else
-        node->release();
+    if (node != &document_) node->release();
 }
 
 void Loader::end(Ending ending) {

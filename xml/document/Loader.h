@@ -83,7 +83,6 @@ private:
     std::vector<RyNode*> open_;          // outermost first; empty when nothing is loading
     int skipDepth_ = 0;                  // of the element whose content is discarded, or 0
     bool standsAtEvent_ = false;         // the parser's present event has still to be taken
-    bool isPulled_ = false;              // others may look at the tree while it loads
     bool reading_ = false;
     bool stop_ = false;  // asked for while reading
 };

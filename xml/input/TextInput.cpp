@@ -158,7 +158,7 @@ TextInput::Refill TextInput::refill() {
 
 /// A window of one character that is ASCII and no control character, in an encoding that writes it
 /// as one byte; false for all others. An XML declaration is nothing else, and reading it was a
-/// quarter of the time that a document of four kilobytes takes.
+/// fifth of the time that a document of four kilobytes takes.
 bool TextInput::stepAscii() {
     if (isWide(kind_) || kind_ == ENCODING_CONVERTER || units_ == nullptr) return false;
     const bool isPlain = windowEnd_ == decodedEnd_ && !afterCarriageReturn_;

@@ -6,7 +6,7 @@
 // the nodes are made and linked at once, with their first references counted before anybody else
 // can see them. Where the parser is the library's own, too, names, values and texts are taken from
 // where it keeps them: no string is made on the way from the window of decoded text to the node.
-// What comes out is the same tree, in a third less time.
+// What comes out is the same tree, in a quarter to a third less time.
 #pragma once
 
 #include <RynCommon/RyDocument.h>
@@ -27,14 +27,6 @@ public:
     /// Links an element of makeElement(), which gets a further reference, as the last child.
     static void append(RyNode& parent, RyElement& element);
     static RyNode* appendText(RyDocument& document, RyNode& parent, std::u16string_view text);
-    /// Drops a reference of a node that no other thread knows.
-    static void drop(const RyNode& node) {
-        RyNode& own = const_cast<RyNode&>(node);
-        if (own.getRefCount() > 1)
-            own.setRefCount(own.getRefCount() - 1);
-        else
-            own.release();
-    }
 
 private:
     template <class Node, class... Args>
