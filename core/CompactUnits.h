@@ -9,6 +9,8 @@
 
 #include <RynCommon/RyString.h>
 
+#include "core/EightUnits.h"
+
 namespace RynCommon {
 
 struct RyCompactText::Block {
@@ -46,6 +48,18 @@ public:
         length_ = block.length();
         isWide_ = block.isWide();
         data_ = block.bytes();
+    }
+    /// The text of units that stand in a larger range, which ends at `limit`. Most texts and values
+    /// of dense documents have up to seven units, and eight can be looked at at once.
+    static RyCompactText makeText(std::u16string_view units, const char16_t* limit) {
+        RyCompactText text;
+        std::uint64_t bytes = 0;
+        const bool isShort = sizeof text.word_ == sizeof bytes && units.size() < sizeof bytes &&
+                             !units.empty() && limit - units.data() >= EightUnits::COUNT &&
+                             EightUnits(units.data()).toLatin1(units.size(), bytes);
+        if (!isShort) return {units.data(), static_cast<std::int32_t>(units.size())};
+        text.word_ = static_cast<std::uintptr_t>(bytes << 8 | units.size() << 1 | 1);
+        return text;
     }
     CompactUnits(const CompactUnits&) = delete;
     CompactUnits& operator=(const CompactUnits&) = delete;

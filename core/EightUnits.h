@@ -32,6 +32,25 @@ public:
         return word;
 #endif
     }
+    /// The low bytes of the first `count` units, 1 to 7, the first in the lowest bits; false where
+    /// one of these units is not Latin-1.
+    bool toLatin1(std::size_t count, std::uint64_t& bytes) const {
+        const std::uint64_t mask = (std::uint64_t{1} << 8 * count) - 1;
+#if defined(__GNUC__)
+        if constexpr (std::endian::native == std::endian::little) {
+            bytes = wordOf(__builtin_convertvector(units_ & Unit{0xFF}, Narrow)) & mask;
+            return (wordOf(__builtin_convertvector(units_ >> 8, Narrow)) & mask) == 0;
+        }
+#endif
+        std::uint64_t all = 0;
+        bytes = 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            all |= units_[i];
+            bytes |= std::uint64_t{units_[i]} << 8 * i;
+        }
+        bytes &= mask;
+        return all < 0x100;
+    }
     /// The index of the first unit that is marked; `marks` is not 0.
     static int first(std::uint64_t marks) {
         if constexpr (std::endian::native == std::endian::big) return std::countl_zero(marks) >> 3;

@@ -55,7 +55,8 @@ public:
 protected:
     friend class RyDocument;
     friend class PlainTree;
-    RyAttr(RyDocument* owner, RyName uri, RyName prefix, RyName local);
+    RyAttr(RyDocument* owner, RyName uri, RyName prefix, RyName local)
+        : RyNode(owner), uri_(uri), prefix_(prefix), local_(local) {}
 
 private:
     friend class AttrNodeMap;
@@ -162,7 +163,8 @@ protected:
     friend class RyDocument;
     friend class NodeCloner;
     friend class PlainTree;
-    RyElement(RyDocument* owner, RyName uri, RyName prefix, RyName local);
+    RyElement(RyDocument* owner, RyName uri, RyName prefix, RyName local)
+        : RyNode(owner), uri_(uri), prefix_(prefix), local_(local) {}
 
 private:
     AttrNodeMap& attributes() const;

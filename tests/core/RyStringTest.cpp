@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "core/CompactUnits.h"
+
 namespace RynCommon {
 namespace {
 
@@ -53,6 +55,21 @@ TEST(RyCompactText, GivesBackEveryText) {
         expectText(RyCompactText(growing), growing);
         expectText(RyCompactText(growing + u"\u3000"), growing + u"\u3000");
         growing.append(static_cast<char16_t>(0x60 + length));
+    }
+}
+
+TEST(RyCompactText, IsTakenOutOfALargerRange) {
+    UnicodeString range(u"a\u00E9c\u0100e\u00FFgh\uFFFFij");
+    const char16_t* const units = range.getBuffer();
+    for (std::int32_t begin = 0; begin <= range.length(); ++begin) {
+        for (std::int32_t length = 0; length <= range.length() - begin; ++length) {
+            SCOPED_TRACE(std::to_string(begin) + "+" + std::to_string(length));
+            for (const std::int32_t limit : {begin + length, range.length()}) {
+                const std::u16string_view piece(units + begin, static_cast<std::size_t>(length));
+                expectText(CompactUnits::makeText(piece, units + limit),
+                           range.tempSubString(begin, length));
+            }
+        }
     }
 }
 

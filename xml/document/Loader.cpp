@@ -7,7 +7,7 @@
 #include "core/ErrorLocations.h"
 #include "core/MemoryCheck.h"
 #include "xml/document/DocumentRep.h"
-#include "xml/parser/XmlParserImpl.h"
+#include "xml/parser/PlainContent.h"
 #include "xml/tree/PlainTree.h"
 
 namespace RynCommon {
@@ -35,6 +35,40 @@ private:
     RyMutex guard_;
     Loader& loader_;
     bool isNested_;
+};
+
+/// Takes what PlainContent finds.
+class Loader::PlainBuilder {
+public:
+    explicit PlainBuilder(Loader& loader)
+        : loader_(loader), open_(loader.open_), before_(open_.size()) {}
+
+    void startElement(const PlainTag& tag) {
+        RyPtr<RyElement> element = PlainTree::makeElement(loader_.document_, tag);
+        open_.push_back(element);
+        PlainTree::append(*open_.end()[-2], *element.detach());
+    }
+    void text(std::u16string_view units, const char16_t* limit) {
+        PlainTree::appendText(loader_.document_, *open_.back(),
+                              CompactUnits::makeText(units, limit));
+    }
+    /// What ends the load is left to the loader.
+    bool mayEndElement() const { return open_.size() > 1; }
+    /// Nobody has seen an element yet that was opened here.
+    void endElement() {
+        if (open_.size() <= before_) {
+            loader_.closeInnermost(Ending::COMPLETE);
+            before_ = open_.size();
+            return;
+        }
+        PlainTree::finish(*open_.back());
+        open_.pop_back();
+    }
+
+private:
+    Loader& loader_;
+    std::vector<RyNode*>& open_;
+    std::size_t before_;  // nodes that were open before
 };
 
 Loader::~Loader() {
@@ -137,6 +171,7 @@ void Loader::begin(RyNode& target) {
 }
 
 void Loader::readOn(bool pull) {
+    isEager_ = !pull;
     if (!pull) read([](const RyNode*) { return false; });
 }
 
@@ -147,6 +182,10 @@ RyNode* Loader::takeEvent() {
 }
 
 RyNode* Loader::takePlainEvent() {
+    if (isEager_ && !standsAtEvent_) {
+        PlainBuilder builder(*this);
+        PlainContent(*plain_, builder).read();
+    }
     const auto event = standsAtEvent_ ? plain_->getEventType() : plain_->next();
     standsAtEvent_ = false;
     switch (event) {
@@ -155,8 +194,12 @@ RyNode* Loader::takePlainEvent() {
         case RyXmlParser::END_TAG:
             endElement();
             return nullptr;
-        case RyXmlParser::TEXT:
-            return PlainTree::appendText(document_, *open_.back(), plain_->textUnits());
+        case RyXmlParser::TEXT: {
+            const std::u16string_view text = plain_->textUnits();
+            return PlainTree::appendText(
+                document_, *open_.back(),
+                RyCompactText(text.data(), static_cast<std::int32_t>(text.size())));
+        }
         case RyXmlParser::END_DOCUMENT:
             end(Ending::COMPLETE);
             return nullptr;

@@ -51,6 +51,7 @@ public:
 
 private:
     class Reading;
+    class PlainBuilder;
 
     void begin(RyNode& target);
     void readOn(bool pull);
@@ -81,6 +82,7 @@ private:
     XmlParserImpl* plain_ = nullptr;     // the same where the short way serves, see PlainTree
     std::unique_ptr<UnitsStream> text_;  // its input when that is a text
     std::vector<RyNode*> open_;          // outermost first; empty when nothing is loading
+    bool isEager_ = false;               // nobody waits for single nodes
     int skipDepth_ = 0;                  // of the element whose content is discarded, or 0
     bool standsAtEvent_ = false;         // the parser's present event has still to be taken
     bool reading_ = false;

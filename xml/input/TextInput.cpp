@@ -13,6 +13,7 @@ namespace RynCommon {
 
 namespace {
 
+constexpr std::ptrdiff_t LONGEST_STEP = 128;
 constexpr char16_t CR = 0x000D, LF = 0x000A, NEL = 0x0085, NONE = 0xFFFF;
 
 UnicodeString upperCased(const UnicodeString& name) {
@@ -156,20 +157,26 @@ TextInput::Refill TextInput::refill() {
     return Refill::WINDOW;
 }
 
-/// A window of one character that is ASCII and no control character, in an encoding that writes it
-/// as one byte; false for all others. An XML declaration is nothing else, and reading it was a
-/// fifth of the time that a document of four kilobytes takes.
+/// A window of printable ASCII, in an encoding that writes it as one byte a character; false where
+/// something else comes. An XML declaration ends behind ">" or, when it is broken, before "<", so
+/// that up to there its encoding has no say yet. Reading it by single characters was a sixth of the
+/// time that a document of four kilobytes takes.
 bool TextInput::stepAscii() {
     if (isWide(kind_) || kind_ == ENCODING_CONVERTER || units_ == nullptr) return false;
-    const bool isPlain = windowEnd_ == decodedEnd_ && !afterCarriageReturn_;
-    if (!isPlain || !bytes_.need(1)) return false;
-    const std::uint8_t byte = *bytes_.begin();
-    if (byte < 0x20 || byte > 0x7E) return false;
-    bytes_.consume(1);
-    units_[0] = byte;
-    window_ = counted_ = units_.get();
-    windowEnd_ = decodedEnd_ = columnStop_ = window_ + 1;
-    ++unitsRead_;
+    if (windowEnd_ != decodedEnd_ || afterCarriageReturn_) return false;
+    char16_t* const begin = units_.get();
+    char16_t* out = begin;
+    while (out - begin < LONGEST_STEP && bytes_.need(1)) {
+        const std::uint8_t byte = *bytes_.begin();
+        if (byte < 0x20 || byte > 0x7E || (byte == '<' && out != begin)) break;
+        bytes_.consume(1);
+        *out++ = byte;
+        if (byte == '>') break;
+    }
+    if (out == begin) return false;
+    window_ = counted_ = begin;
+    windowEnd_ = decodedEnd_ = columnStop_ = out;
+    unitsRead_ += static_cast<std::uint64_t>(out - begin);
     return true;
 }
 
@@ -276,10 +283,6 @@ void TextInput::countBeyondStop(const char16_t* place) {
     }
     addColumns(static_cast<std::size_t>(place - counted_));
     counted_ = place;
-}
-
-void TextInput::addColumns(std::size_t characters) {
-    column_ = saturated(static_cast<std::uint64_t>(column_) + characters);
 }
 
 }  // namespace RynCommon

@@ -1,7 +1,10 @@
 // One input of the parser as windows of UTF-16 text.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <istream>
+#include <limits>
 #include <memory>
 
 #include <RynCommon/Forward.h>
@@ -16,7 +19,7 @@ namespace RynCommon {
 /// U+0085 and U+2028 become LF), and knows line and column of any place in the current window.
 ///
 /// A window is what one block of bytes decodes to. Before and inside an XML declaration, which may
-/// change the decoder, windows hold one character: see setStepping(). U+FFFF never appears in a
+/// change the decoder, windows are shorter: see setStepping(). U+FFFF never appears in a
 /// window; where one stands, refill() says so once and goes on behind it.
 class TextInput {
 public:
@@ -52,7 +55,8 @@ public:
     Declared setDeclaredEncoding(const UnicodeString& name, bool builtinOnly, bool rawFallback);
     const UnicodeString& encodingName() const { return encodingName_; }
 
-    /// With stepping on, each window holds one character and no byte beyond it is taken.
+    /// With stepping on, a window ends behind the first ">" and before the first "<" that does not
+    /// begin it, or earlier, and no byte beyond it is taken.
     void setStepping(bool on) { stepping_ = on; }
     /// Whether the next character can be had; reads one byte at most.
     bool hasByte() { return bytes_.size() != 0 || bytes_.fill(true); }
@@ -83,7 +87,11 @@ private:
     char16_t* decodeStep(char16_t* out);
     void normaliseLineEnds(char16_t* begin, char16_t* end);
     void countBeyondStop(const char16_t* place);
-    void addColumns(std::size_t characters);
+    void addColumns(std::size_t characters) {
+        constexpr auto most = static_cast<std::size_t>(std::numeric_limits<int>::max());
+        const std::size_t room = most - static_cast<std::size_t>(column_);
+        column_ = static_cast<int>(static_cast<std::size_t>(column_) + std::min(characters, room));
+    }
 
     ByteInput bytes_;
     std::istream* source_ = nullptr;

@@ -25,6 +25,8 @@ struct CachedName {
     /// The name of the start tag that came behind this one's last time, or null. Mostly it comes
     /// again, and a comparison with it spares the look-up.
     mutable const CachedName* successor = nullptr;
+    /// The same of the attribute that came behind this name in its tag.
+    mutable const CachedName* attribute = nullptr;
 
     static constexpr std::int32_t WHOLE = -2;
 };
@@ -116,8 +118,8 @@ inline std::size_t NameCache::recentIndex(const char16_t* text, std::size_t leng
     if (length < 4) {
         mixed = (mixed ^ word(0) << (64 - 16 * length)) * 0x9E3779B97F4A7C15u;
     } else {
-        mixed = (mixed ^ word(0)) * 0x9E3779B97F4A7C15u ^
-                word(length / 2 - 2) * 0xE7037ED1A0B428DBu ^ word(length - 4) * 0x8EBC6AF09C88C6E3u;
+        mixed = (mixed ^ word(0)) + std::rotl(word(length / 2 - 2), 21);
+        mixed = (mixed ^ std::rotl(word(length - 4), 42)) * 0x9E3779B97F4A7C15u;
     }
     return static_cast<std::size_t>(mixed >> (64 - 9));
 }

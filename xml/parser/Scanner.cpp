@@ -153,7 +153,7 @@ TextInput& Scanner::countedInput() {
     return input;
 }
 
-Scanner::Position Scanner::position() {
+Scanner::Position Scanner::positionOfStream() {
     const TextInput& input = countedInput();
     return {input.line(), input.column()};
 }

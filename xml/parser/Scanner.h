@@ -152,7 +152,12 @@ public:
         int line;
         int column;
     };
-    Position position();
+    Position position() {
+        if (depth_ != 1 || cur_ == nullptr) return positionOfStream();
+        TextInput& input = base();
+        input.countTo(seen_ > cur_ ? seen_ : cur_);
+        return {input.line(), input.column()};
+    }
 
     // Capturing the text of a declaration as it stands in the document.
     void startCapture(UnicodeString& text);
@@ -181,6 +186,7 @@ private:
     Source& top() { return *sources_[depth_ - 1]; }
     Source& pushSource(EntityDeclaration* entity);
     TextInput& countedInput();
+    Position positionOfStream();
 
     ScannerOwner& owner_;
     const char16_t* cur_ = nullptr;

@@ -29,17 +29,6 @@ UnicodeString qualified(RyName prefix, RyName local) {
 
 // Start tags.
 
-/// The name that came behind the last one before, when it stands at the reading point again.
-inline const CachedName* XmlParserImpl::guessElementName() const {
-    const CachedName* const guess = lastName_->successor;
-    if (guess == nullptr || !isInWindow(*guess)) return nullptr;
-    const char16_t* const begin = scanner().cursor();
-    const char16_t behind = begin[guess->length];
-    const bool isEnd = behind == u'>' || behind == u' ' || behind == u'/';
-    return isEnd && equalUnits(begin, guess->text, guess->length) && core_.allows(*guess) ? guess
-                                                                                          : nullptr;
-}
-
 inline const CachedName& XmlParserImpl::readElementName() {
     const CachedName* known = guessElementName();
     if (known == nullptr) {

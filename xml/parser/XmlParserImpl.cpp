@@ -85,6 +85,7 @@ void XmlParserImpl::resetDocument() {
     dropPlainText();
     entityName_ = RyName();
     token_ = Token::NONE;
+    isPrepared_ = false;
     started_ = failed_ = declarationSeen_ = rootSeen_ = doctypeSeen_ = emptyTag_ = false;
 }
 
@@ -135,6 +136,7 @@ void XmlParserImpl::releaseBuffers() {
     text_ = UnicodeString();
     dropPlainText();
     token_ = Token::NONE;
+    isPrepared_ = false;
     failed_ = true;  // until the next input
 }
 
@@ -223,6 +225,10 @@ bool XmlParserImpl::prepare() {
         core_.event = END_DOCUMENT;
         return false;
     }
+    if (isPrepared_) {
+        isPrepared_ = false;
+        return true;
+    }
     switch (core_.event) {
         case END_TAG:
             namespaces_.pop();
@@ -243,6 +249,17 @@ bool XmlParserImpl::prepare() {
     entityName_ = RyName();
     if (!started_) start();
     return true;
+}
+
+/// Leaves the event behind that was given last, where content of the document itself may follow
+/// that needs no more than PlainContent knows of.
+bool XmlParserImpl::enterPlainContent() {
+    const bool isBehindContent =
+        core_.event == END_TAG || core_.event == TEXT || (core_.event == START_TAG && !emptyTag_);
+    if (failed_ || isPrepared_ || !isBehindContent) return false;
+    if (scanner().depth() != 1 || !defaults_.isEmpty()) return false;
+    isPrepared_ = prepare();
+    return isPrepared_ && namespaces_.depth() > 0;
 }
 
 XmlParserImpl::Token XmlParserImpl::peekAnyToken() {

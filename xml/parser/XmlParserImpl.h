@@ -75,6 +75,9 @@ public:
     }
 
 private:
+    template <class Builder>
+    friend class PlainContent;
+
     /// What the characters at the reading point begin; for all but TEXT and END they have been
     /// read.
     enum class Token : std::uint8_t {
@@ -92,6 +95,7 @@ private:
     template <class Read>
     EventType guarded(Read read);
     bool prepare();
+    bool enterPlainContent();
     void start();
     void openInput(const UnicodeString& uri, const UnicodeString& encoding,
                    const UnicodeString& baseUri);
@@ -147,7 +151,17 @@ private:
     bool isInWindow(const CachedName& name) const {
         return scanner().limit() - scanner().cursor() > static_cast<std::ptrdiff_t>(name.length);
     }
-    const CachedName* guessElementName() const;
+    /// The name that came behind the last one before, when it stands at the reading point again.
+    const CachedName* guessElementName() const {
+        const CachedName* const guess = lastName_->successor;
+        if (guess == nullptr || !isInWindow(*guess)) return nullptr;
+        const char16_t* const begin = scanner().cursor();
+        const char16_t behind = begin[guess->length];
+        const bool isEnd = behind == u'>' || behind == u' ' || behind == u'/';
+        const bool isIt =
+            isEnd && equalUnits(begin, guess->text, guess->length) && core_.allows(*guess);
+        return isIt ? guess : nullptr;
+    }
     const CachedName& readElementName();
     const CachedName& readNewElementName();
     bool readPlainAttributes();
@@ -188,6 +202,7 @@ private:
     mutable UnicodeString alias_;
     RyName entityName_;
     Token token_ = Token::NONE;
+    bool isPrepared_ = false;  // the event before has been left behind
     bool started_ = false;
     bool failed_ = false;
     bool declarationSeen_ = false;

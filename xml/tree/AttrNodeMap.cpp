@@ -30,10 +30,6 @@ AttrNodeMap::~AttrNodeMap() {
     }
 }
 
-std::uint64_t AttrNodeMap::filterBit(RyName local) {
-    return std::uint64_t{1} << (static_cast<std::uint32_t>(RyNameEnum(local)) * 0x9E3779B1u >> 26);
-}
-
 template <class Test>
 RyAttr* AttrNodeMap::search(Test matches) const {
     for (RyAttr* attr = first(); attr != nullptr; attr = next(*attr))
@@ -93,24 +89,15 @@ void AttrNodeMap::dropIndex() {
         filter_ |= filterBit(attr->local_);
 }
 
-void AttrNodeMap::addToLookUp(RyAttr& attr) {
-    if (count_ < FEW) {
-        filter_ |= filterBit(attr.local_);
-    } else if (count_ == FEW) {
-        std::unique_ptr<AttrIndex> index = makeIndex();
-        index->insert(attr);
-        index_ = index.release();
-    } else {
+/// Makes the index for the first attribute beyond FEW.
+void AttrNodeMap::addToIndex(RyAttr& attr) {
+    if (hasIndex()) {
         index_->insert(attr);
+        return;
     }
-}
-
-void AttrNodeMap::append(RyPtr<RyAttr> attr) {
-    addToLookUp(*attr);
-    RyAttr* const node = attr.detach();
-    NodeLinks::linkLast(last_, *node);
-    node->map_ = this;
-    ++count_;
+    std::unique_ptr<AttrIndex> index = makeIndex();
+    index->insert(attr);
+    index_ = index.release();
 }
 
 RyPtr<RyAttr> AttrNodeMap::remove(RyAttr& attr) {

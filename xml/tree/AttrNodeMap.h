@@ -18,6 +18,12 @@ class AttrIndex;
 class AttrNodeMap final : public RyNamedNodeMap {
 public:
     explicit AttrNodeMap(RyElement* element) : element_(element) {}
+    /// One with a first reference.
+    static AttrNodeMap* make(RyElement* element) {
+        AttrNodeMap* const map = new AttrNodeMap(element);
+        map->setRefCount(1);
+        return map;
+    }
     ~AttrNodeMap() override;
     static void* operator new(std::size_t size) { return SlabMemory::allocate(size); }
     static void operator delete(void* map, std::size_t size) noexcept {
@@ -51,7 +57,16 @@ public:
     RyAttr* findNS(RyName uri, RyName local) const;
     bool holds(const RyAttr& attr) const { return attr.map_ == this; }
     /// Takes a free attribute in as the last one.
-    void append(RyPtr<RyAttr> attr);
+    void append(RyPtr<RyAttr> attr) {
+        if (count_ < FEW)
+            filter_ |= filterBit(attr->local_);
+        else
+            addToIndex(*attr);
+        RyAttr* const node = attr.detach();
+        NodeLinks::linkLast(last_, *node);
+        node->map_ = this;
+        ++count_;
+    }
     /// Takes an attribute of this map out.
     RyPtr<RyAttr> remove(RyAttr& attr);
     /// The qualified name of an attribute has changed.
@@ -60,13 +75,16 @@ public:
 private:
     static constexpr std::int32_t FEW = 16;
 
-    static std::uint64_t filterBit(RyName local);
+    static std::uint64_t filterBit(RyName local) {
+        return std::uint64_t{1} << (static_cast<std::uint32_t>(RyNameEnum(local)) * 0x9E3779B1u >>
+                                    26);
+    }
     bool hasIndex() const { return count_ > FEW; }
     template <class Test>
     RyAttr* search(Test matches) const;
     void checkNewItem(const RyNode* node, int location) const;
     RyPtr<RyNode> put(RyAttr& attr, RyAttr* old);
-    void addToLookUp(RyAttr& attr);
+    void addToIndex(RyAttr& attr);
     std::unique_ptr<AttrIndex> makeIndex() const;
     void dropIndex();
 

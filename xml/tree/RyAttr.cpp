@@ -6,9 +6,6 @@
 
 namespace RynCommon {
 
-RyAttr::RyAttr(RyDocument* owner, RyName uri, RyName prefix, RyName local)
-    : RyNode(owner), uri_(uri), prefix_(prefix), local_(local) {}
-
 RyAttr::~RyAttr() = default;
 
 unsigned int RyAttr::getTypeID() const {

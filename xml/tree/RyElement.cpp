@@ -19,9 +19,6 @@ RyPtr<To> castPtr(RyPtr<From> from) {
 
 }  // namespace
 
-RyElement::RyElement(RyDocument* owner, RyName uri, RyName prefix, RyName local)
-    : RyNode(owner), uri_(uri), prefix_(prefix), local_(local) {}
-
 RyElement::~RyElement() {
     if (attributes_ == nullptr) return;
     attributes_->forgetElement();
@@ -58,10 +55,7 @@ RyPtr<RyNode> RyElement::cloneNode(bool deep) const {
 }
 
 AttrNodeMap& RyElement::attributes() const {
-    if (attributes_ == nullptr) {
-        attributes_ = new AttrNodeMap(const_cast<RyElement*>(this));
-        attributes_->addRef();
-    }
+    if (attributes_ == nullptr) attributes_ = AttrNodeMap::make(const_cast<RyElement*>(this));
     return *attributes_;
 }
 

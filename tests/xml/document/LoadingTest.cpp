@@ -134,6 +134,96 @@ TEST(RyDocumentLoading, CallbacksLetLoadingGoOn) {
     EXPECT_TRUE(document->getDocumentElement()->isLoaded());
 }
 
+/// A document whose class is not the library's own.
+class OtherDocument : public RyDocument {};
+
+struct Reported {
+    RyDocument* document;
+    std::string errors;
+};
+
+void reportError(const RyError& error, void* reported) {
+    auto& [document, errors] = *static_cast<Reported*>(reported);
+    const RyXmlParser& parser = *document->getParser();
+    errors += utf8(error.getMessage()) + " at " + utf8(parser.getPositionDescription()) + " in " +
+              std::to_string(parser.getEventType()) + "/" + std::to_string(parser.getDepth()) +
+              "\n";
+}
+
+/// The tree, where its elements stood, and the errors on the way.
+std::string readingOf(RyDocument& document, const std::string& xml) {
+    Reported reported{&document, ""};
+    document.getParser()->setCallbackError(reportError, &reported);
+    document.loadXml(units(xml));
+    std::string result = dump(&document);
+    for (RyNodeIterator it = document.getIterator(); const RyNode* node = it.nextNode();) {
+        result += " " + std::to_string(node->getSourceLineNumber()) + ":" +
+                  std::to_string(node->getSourceColumnNumber());
+        EXPECT_EQ(node->getRefCount(), 1);
+        EXPECT_FALSE(node->isLoading());
+    }
+    EXPECT_EQ(brokenLinks(document), "");
+    return result + "\n" + reported.errors;
+}
+
+// What is read without an event for each part gives what events give.
+TEST(RyDocumentLoading, EveryWayOfReadingGivesTheSame) {
+    const std::string pieces[] = {
+        "",
+        "text",
+        "<k/>",
+        "<k></k>",
+        "<k >\n</k >",
+        "<k a='1' b=\"2\"/>",
+        "<k  a = '1'\tb='2' />",
+        "<k b='' p:b='x'/>",
+        "<p:k p:b='1'/>",
+        "<k xml:space='preserve'/>",
+        "<k xmlns='v'><k/></k>",
+        "<k xmlns:p='w' p:b=''/>",
+        "<k a='1' a='2'/>",
+        "<k b='1' c='' b='2'><k/></k>",
+        "<k p:a='1' q:a='2'/>",
+        "<q:k>x</q:k>",
+        "<k a='&amp;\n'/>",
+        "<k a='x<y'/>",
+        "<k a=x/>",
+        "<k a='1'b='2'/>",
+        "<k/ >",
+        "<k a/>",
+        "</k>",
+        "<k></p:k>",
+        "<k><new/></k>",
+        "&amp;x",
+        "x&none;y",
+        "x<!--c-->y",
+        "<?p q?>",
+        "<![CDATA[<k/>]]>",
+        "]]>",
+        "x]y",
+        "\U00020000 \u65E5\n\u2028<k/>",
+        "\u00E9t\u00E9 seven+",
+        "<",
+        "<1/>",
+        "<k" + repeat(" a='1' b='2'", 20) + "/>",
+        repeat("<k>", 300) + repeat("</k>", 300),
+        repeat("long ", 5000),
+        "<k a='" + repeat("long ", 5000) + "'/>",
+        "<k a='1' b='2' c='3' d='4' e='5' f='6' g='7' h='8' i='9' j='10' k='11' l='12' m='13' "
+        "n='14' o='15' p='16' q='17' r='18'>x</k>"};
+    for (const std::string& piece : pieces) {
+        SCOPED_TRACE(piece.substr(0, 60));
+        const std::string plain = "<k a='1' b='two and more'>t</k>\n<e/>";
+        const std::string xml = "<r xmlns:p='u' xmlns='d'>" + plain + piece + plain + piece +
+                                "<e>" + piece + "</e>" + plain + "</r>";
+        const RyPtr<RyDocument> events = new OtherDocument;
+        const std::string expected = readingOf(*events, xml);
+        const RyPtr<RyDocument> eager = new RyDocument;
+        EXPECT_EQ(readingOf(*eager, xml), expected);
+        EXPECT_EQ(readingOf(*eager, xml), expected) << "with names that are known";
+    }
+}
+
 TEST(RyDocumentLoading, PresentInputGoesOnWhereTheParserStands) {
     std::istringstream in("<a><b>x</b><c/></a>");
     const RyPtr<RyDocument> document = new RyDocument;
