@@ -24,7 +24,7 @@ namespace HWY_NAMESPACE {
 // A processor without vectors.
 using scalar::copyPassing;
 using scalar::countLines;
-using scalar::findColumnStop;
+using scalar::findColumnStops;
 using scalar::findLineBreakUnit;
 using scalar::findMarkupStop;
 using scalar::findTextStop;
@@ -138,14 +138,25 @@ HWY_INLINE std::uint64_t columnStops(D d, const char16_t* p) {
     return bitsOf(d, hn::Or(lows, hn::Eq(v, hn::Set(d, u'\n'))));
 }
 
-const char16_t* findColumnStop(const char16_t* p, const char16_t* end) {
+const char16_t* findColumnStops(const char16_t* p, const char16_t* end, ColumnStops& stops) {
     const WideTag d;
     const std::size_t lanes = hn::Lanes(d);
-    for (; static_cast<std::size_t>(end - p) >= lanes; p += lanes) {
-        const std::uint64_t bits = columnStops(d, p);
-        if (bits != 0) return firstHit(p, bits);
+    std::size_t count = 0;
+    while (static_cast<std::size_t>(end - p) >= 2 * lanes &&
+           count + 2 * lanes <= ColumnStops::MOST) {
+        std::uint64_t bits = columnStops(d, p) | columnStops(d, p + lanes) << (2 * lanes);
+        for (; bits != 0; bits &= bits - 1) {
+            stops.places[count++] = firstHit(p, bits);
+            bits &= bits - 1;  // of the two that stand for a unit
+        }
+        p += 2 * lanes;
     }
-    return scalar::findColumnStop(p, end);
+    stops.count = count;
+    const bool isNearEnd = static_cast<std::size_t>(end - p) < 2 * lanes;
+    if (!isNearEnd || count + 2 * lanes > ColumnStops::MOST) return p;
+    for (; p != end; ++p)
+        if (*p == u'\n' || (*p & 0xFC00) == 0xDC00) stops.places[stops.count++] = p;
+    return p;
 }
 
 // The units for which `bits` is set, two bits each. The range is at least one vector long; what the
@@ -359,7 +370,7 @@ HWY_EXPORT(findValueStop);
 HWY_EXPORT(findUnit);
 HWY_EXPORT(findMarkupStop);
 HWY_EXPORT(findLineBreakUnit);
-HWY_EXPORT(findColumnStop);
+HWY_EXPORT(findColumnStops);
 HWY_EXPORT(countLines);
 HWY_EXPORT(widenAscii);
 HWY_EXPORT(isLatin1);
@@ -376,7 +387,7 @@ struct Kernels {
     const char16_t* (*findUnit)(const char16_t*, const char16_t*, char16_t);
     const char16_t* (*findMarkupStop)(const char16_t*, const char16_t*, char16_t, char16_t);
     const char16_t* (*findLineBreakUnit)(const char16_t*, const char16_t*);
-    const char16_t* (*findColumnStop)(const char16_t*, const char16_t*);
+    const char16_t* (*findColumnStops)(const char16_t*, const char16_t*, ColumnStops&);
     LineCount (*countLines)(const char16_t*, const char16_t*);
     std::size_t (*widenAscii)(const std::uint8_t*, std::size_t, char16_t*);
     bool (*isLatin1)(const char16_t*, std::size_t);
@@ -389,7 +400,7 @@ struct Kernels {
 Kernels selectKernels() noexcept {
     if (std::getenv("RYNCOMMON_SCALAR") != nullptr) {
         return {scalar::findTextStop,   scalar::findValueStop,     scalar::findUnit,
-                scalar::findMarkupStop, scalar::findLineBreakUnit, scalar::findColumnStop,
+                scalar::findMarkupStop, scalar::findLineBreakUnit, scalar::findColumnStops,
                 scalar::countLines,     scalar::widenAscii,        scalar::isLatin1,
                 scalar::narrowLatin1,   scalar::widenLatin1,       scalar::copyPassing,
                 scalar::narrowPassing};
@@ -399,7 +410,7 @@ Kernels selectKernels() noexcept {
     hwy::GetChosenTarget().Update(hwy::SupportedTargets());
     return {HWY_DYNAMIC_DISPATCH(findTextStop),      HWY_DYNAMIC_DISPATCH(findValueStop),
             HWY_DYNAMIC_DISPATCH(findUnit),          HWY_DYNAMIC_DISPATCH(findMarkupStop),
-            HWY_DYNAMIC_DISPATCH(findLineBreakUnit), HWY_DYNAMIC_DISPATCH(findColumnStop),
+            HWY_DYNAMIC_DISPATCH(findLineBreakUnit), HWY_DYNAMIC_DISPATCH(findColumnStops),
             HWY_DYNAMIC_DISPATCH(countLines),        HWY_DYNAMIC_DISPATCH(widenAscii),
             HWY_DYNAMIC_DISPATCH(isLatin1),          HWY_DYNAMIC_DISPATCH(narrowLatin1),
             HWY_DYNAMIC_DISPATCH(widenLatin1),       HWY_DYNAMIC_DISPATCH(copyPassing),
@@ -444,8 +455,9 @@ const char16_t* findLineBreakUnit(const char16_t* p, const char16_t* end) noexce
     return kernels().findLineBreakUnit(p, end);
 }
 
-const char16_t* findColumnStop(const char16_t* p, const char16_t* end) noexcept {
-    return kernels().findColumnStop(p, end);
+const char16_t* findColumnStops(const char16_t* p, const char16_t* end,
+                                ColumnStops& stops) noexcept {
+    return kernels().findColumnStops(p, end, stops);
 }
 
 LineCount countLines(const char16_t* p, const char16_t* end) noexcept {

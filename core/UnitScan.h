@@ -49,8 +49,17 @@ const char16_t* findMarkupStop(const char16_t* p, const char16_t* end, char16_t 
 /// look at.
 const char16_t* findLineBreakUnit(const char16_t* p, const char16_t* end) noexcept;
 
-/// First LF or low surrogate in [p, end), or `end`: up to there each unit is a column.
-const char16_t* findColumnStop(const char16_t* p, const char16_t* end) noexcept;
+/// The LFs and low surrogates of a run: all other units are a column each.
+struct ColumnStops {
+    static constexpr std::size_t MOST = 64;
+
+    std::size_t count = 0;
+    const char16_t* places[MOST];
+};
+/// Notes those of [p, end) in order, as far as there is room for them, and returns the place before
+/// which they are all noted.
+const char16_t* findColumnStops(const char16_t* p, const char16_t* end,
+                                ColumnStops& stops) noexcept;
 
 /// Counts the line ends of [p, end) and the characters after the last.
 LineCount countLines(const char16_t* p, const char16_t* end) noexcept;
@@ -83,7 +92,7 @@ const char16_t* findValueStop(const char16_t* p, const char16_t* end, char16_t q
 const char16_t* findUnit(const char16_t* p, const char16_t* end, char16_t unit);
 const char16_t* findMarkupStop(const char16_t* p, const char16_t* end, char16_t a, char16_t b);
 const char16_t* findLineBreakUnit(const char16_t* p, const char16_t* end);
-const char16_t* findColumnStop(const char16_t* p, const char16_t* end);
+const char16_t* findColumnStops(const char16_t* p, const char16_t* end, ColumnStops& stops);
 LineCount countLines(const char16_t* p, const char16_t* end);
 std::size_t widenAscii(const std::uint8_t* in, std::size_t n, char16_t* out);
 bool isLatin1(const char16_t* p, std::size_t n);

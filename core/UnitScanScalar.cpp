@@ -41,8 +41,10 @@ const char16_t* findLineBreakUnit(const char16_t* p, const char16_t* end) {
     return find(p, end, u'\r', u'\u0085', u'\u2028', u'\uFFFF');
 }
 
-const char16_t* findColumnStop(const char16_t* p, const char16_t* end) {
-    while (p != end && *p != u'\n' && (*p & 0xFC00) != 0xDC00) ++p;
+const char16_t* findColumnStops(const char16_t* p, const char16_t* end, ColumnStops& stops) {
+    stops.count = 0;
+    for (; p != end && stops.count < ColumnStops::MOST; ++p)
+        if (*p == u'\n' || (*p & 0xFC00) == 0xDC00) stops.places[stops.count++] = p;
     return p;
 }
 

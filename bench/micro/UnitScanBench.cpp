@@ -30,6 +30,7 @@ struct Runs {
     std::string bytes;
     std::u16string unitsOut;
     std::string bytesOut;
+    ColumnStops stops;
 };
 
 /// `call(runs)` reads `unitSize` bytes for each of the state's first argument.
@@ -56,7 +57,7 @@ void measure(benchmark::State& state, std::size_t unitSize, Call call) {
 KERNEL(findTextStop, 2, findTextStop(r.begin(), r.end()));
 KERNEL(findValueStop, 2, findValueStop(r.begin(), r.end(), u'"'));
 KERNEL(findLineBreakUnit, 2, findLineBreakUnit(r.begin(), r.end()));
-KERNEL(findColumnStop, 2, findColumnStop(r.begin(), r.end()));
+KERNEL(findColumnStops, 2, findColumnStops(r.begin(), r.end(), r.stops));
 KERNEL(countLines, 2, countLines(r.begin(), r.end()).charactersAfterLast);
 KERNEL(widenAscii, 1, widenAscii(r.data(), r.size(), r.unitsOut.data()));
 KERNEL(isLatin1, 2, isLatin1(r.begin(), r.size()));

@@ -49,6 +49,24 @@ const char16_t* find(const char16_t* p, const char16_t* end) {
     return KERNEL(p, end, UNITS...);
 }
 
+template <auto KERNEL>
+std::vector<const char16_t*> allColumnStops(const char16_t* p, const char16_t* end) {
+    std::vector<const char16_t*> all;
+    for (ColumnStops stops; p != end;) {
+        const char16_t* const from = p;
+        p = KERNEL(p, end, stops);
+        if (p <= from) ADD_FAILURE() << "stands still";
+        all.insert(all.end(), stops.places, stops.places + stops.count);
+    }
+    return all;
+}
+
+template <auto KERNEL>
+const char16_t* findFirst(const char16_t* p, const char16_t* end) {
+    const std::vector<const char16_t*> all = allColumnStops<KERNEL>(p, end);
+    return all.empty() ? end : all.front();
+}
+
 const FindCase FIND_CASES[] = {
     {"text", find<findTextStop>, find<scalar::findTextStop>, u"<&]"},
     {"\"", find<findValueStop, u'"'>, find<scalar::findValueStop, u'"'>, u"\"<&\t\n\r"},
@@ -57,7 +75,10 @@ const FindCase FIND_CASES[] = {
     {"NUL", find<findUnit, u'\0'>, find<scalar::findUnit, u'\0'>, std::u16string(1, u'\0')},
     {"->", find<findMarkupStop, u'-', u'>'>, find<scalar::findMarkupStop, u'-', u'>'>, u"->"},
     {"line", find<findLineBreakUnit>, find<scalar::findLineBreakUnit>, u"\r\u0085\u2028\uFFFF"},
-    {"column", find<findColumnStop>, find<scalar::findColumnStop>, {u'\n', 0xDC00, 0xDFFF}},
+    {"column",
+     findFirst<findColumnStops>,
+     findFirst<scalar::findColumnStops>,
+     {u'\n', 0xDC00, 0xDFFF}},
 };
 
 // Units that a kernel looking at single bytes, or signed, would take for `stop`.
@@ -116,6 +137,20 @@ TEST(UnitScan, StopsAtNothingElse) {
                 run[at] = before;
             }
         }
+    }
+}
+
+TEST(UnitScan, NotesAllColumnStopsInOrder) {
+    constexpr std::size_t LENGTH = 1000;
+    for (const std::size_t distance : {1, 2, 7, 16, 33, 200}) {
+        UnitRun<char16_t> run(LENGTH, distance % ALIGNMENTS, u'a');
+        std::vector<const char16_t*> expected;
+        for (std::size_t at = distance / 2; at < LENGTH; at += distance) {
+            run[at] = at % 3 == 0 ? u'\n' : char16_t{0xDEAD};
+            expected.push_back(run.begin() + at);
+        }
+        EXPECT_EQ(allColumnStops<findColumnStops>(run.begin(), run.end()), expected) << distance;
+        EXPECT_EQ(allColumnStops<scalar::findColumnStops>(run.begin(), run.end()), expected);
     }
 }
 

@@ -256,33 +256,42 @@ void TextInput::normaliseLineEnds(char16_t* begin, char16_t* end) {
     windowEnd_ = none != nullptr ? none : to;
 }
 
-/// Where elements are asked for their positions one after the other, the next place at which a unit
-/// is no column is found once, and up to there columns are a difference. Counting each stretch for
-/// itself took a tenth of the time in which a tree loads.
+/// Where elements are asked for their positions one after the other, the units that are no columns
+/// are noted some dozens at a time, and up to the next of them columns are a difference. Counting
+/// each stretch for itself took a tenth of the time in which a tree loads.
 void TextInput::countBeyondStop(const char16_t* place) {
     constexpr std::ptrdiff_t FAR = 4096;
-    if (place - counted_ > FAR) {
-        const LineCount count = countLines(counted_, place);
-        if (count.lines != 0) {
-            line_ = saturated(static_cast<std::uint64_t>(line_) + count.lines);
-            column_ = 0;
-        }
-        addColumns(count.charactersAfterLast);
-        counted_ = place;
-        columnStop_ = nullptr;
-        return;
+    if (columnStop_ == nullptr) {
+        stops_.count = nextStop_ = 0;
+        stopsEnd_ = counted_;
     }
-    if (columnStop_ == nullptr) columnStop_ = findColumnStop(counted_, windowEnd_);
-    for (; place > columnStop_; columnStop_ = findColumnStop(counted_, windowEnd_)) {
-        addColumns(static_cast<std::size_t>(columnStop_ - counted_));
-        if (*columnStop_ == LF) {
+    if (place - stopsEnd_ > FAR) return countFar(place);
+    for (;;) {
+        for (; nextStop_ < stops_.count; ++nextStop_) {
+            columnStop_ = stops_.places[nextStop_];
+            if (place <= columnStop_) return countColumns(place);
+            countColumns(columnStop_);
+            ++counted_;
+            if (*columnStop_ != LF) continue;
             line_ = saturated(static_cast<std::uint64_t>(line_) + 1);
             column_ = 0;
         }
-        counted_ = columnStop_ + 1;
+        columnStop_ = stopsEnd_;
+        if (place <= columnStop_) return countColumns(place);
+        stopsEnd_ = findColumnStops(stopsEnd_, windowEnd_, stops_);
+        nextStop_ = 0;
     }
-    addColumns(static_cast<std::size_t>(place - counted_));
+}
+
+void TextInput::countFar(const char16_t* place) {
+    const LineCount count = countLines(counted_, place);
+    if (count.lines != 0) {
+        line_ = saturated(static_cast<std::uint64_t>(line_) + count.lines);
+        column_ = 0;
+    }
+    addColumns(count.charactersAfterLast);
     counted_ = place;
+    columnStop_ = nullptr;
 }
 
 }  // namespace RynCommon

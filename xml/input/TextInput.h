@@ -9,6 +9,7 @@
 
 #include <RynCommon/Forward.h>
 
+#include "core/UnitScan.h"
 #include "xml/input/ByteInput.h"
 #include "xml/input/EncodingSniffer.h"
 #include "xml/input/Encodings.h"
@@ -70,8 +71,7 @@ public:
     void countTo(const char16_t* place) {
         if (place <= counted_) return;
         if (columnStop_ == nullptr || place > columnStop_) return countBeyondStop(place);
-        addColumns(static_cast<std::size_t>(place - counted_));
-        counted_ = place;
+        countColumns(place);
     }
     int line() const { return line_; }
     int column() const { return column_; }
@@ -87,6 +87,12 @@ private:
     char16_t* decodeStep(char16_t* out);
     void normaliseLineEnds(char16_t* begin, char16_t* end);
     void countBeyondStop(const char16_t* place);
+    void countFar(const char16_t* place);
+    /// There is no stop before `place`.
+    void countColumns(const char16_t* place) {
+        addColumns(static_cast<std::size_t>(place - counted_));
+        counted_ = place;
+    }
     void addColumns(std::size_t characters) {
         constexpr auto most = static_cast<std::size_t>(std::numeric_limits<int>::max());
         const std::size_t room = most - static_cast<std::size_t>(column_);
@@ -109,8 +115,11 @@ private:
     const char16_t* windowEnd_ = nullptr;
     const char16_t* decodedEnd_ = nullptr;  // behind windowEnd_ where a U+FFFF cut the window
     const char16_t* counted_ = nullptr;     // line_ and column_ are those of this place
-    // The next unit from counted_ on that is no column, or null where it has not been looked for.
+    // Up to here each unit from counted_ on is a column; null where nobody has looked.
     const char16_t* columnStop_ = nullptr;
+    ColumnStops stops_;  // what is no column, up to stopsEnd_
+    std::size_t nextStop_ = 0;
+    const char16_t* stopsEnd_ = nullptr;
     int line_ = -1;
     int column_ = -1;
     std::uint64_t unitsRead_ = 0;
