@@ -104,6 +104,7 @@ bool XmlParserImpl::readReference(bool expand) {
             topLevelError(describeCharacter(static_cast<UChar32>(c)));
         return inside;
     }
+    if (inside && expand && core_.readPredefined(text_)) return true;
     RyName name;
     if (!core_.readEntityName(u'&', name)) return false;
     if (!inside) {

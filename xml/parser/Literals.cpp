@@ -65,6 +65,7 @@ void ParserCore::readAttributeReference(UnicodeString& value) {
         if (readCharacterReference(c)) value.append(static_cast<UChar32>(c));
         return;
     }
+    if (readPredefined(value)) return;
     RyName name;
     if (readEntityName(u'&', name)) expandGeneral(name, value, false);
 }

@@ -69,6 +69,9 @@ public:
     // References; the "&" or "&#" has been read.
     /// Reads a character reference; false after an error.
     bool readCharacterReference(std::uint32_t& codePoint);
+    /// Reads one of the entities that XML itself declares, where it stands whole in the window and
+    /// nothing else can be meant, and appends its character.
+    bool readPredefined(UnicodeString& text);
     /// Reads the name of an entity and its ";"; false after an error. `sign` is "&" or "%".
     bool readEntityName(char16_t sign, RyName& name);
     /// Where a reference to a general entity leads.
@@ -138,6 +141,7 @@ private:
     bool readPseudoAttribute(const UnicodeString& name, const UnicodeString& whereEquals,
                              UnicodeString& value);
     void endXmlDeclaration();
+    bool readPlainCharacterReference(std::uint32_t& codePoint);
     bool openQuote(char16_t& quote);
     void readAttributeReference(UnicodeString& value);
     void checkNesting();

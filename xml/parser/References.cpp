@@ -6,6 +6,7 @@
 // reference to an open entity is an undefined one.
 #include <algorithm>
 
+#include "core/ShortScan.h"
 #include "xml/names/MathMLEntities.h"
 #include "xml/parser/ParserCore.h"
 
@@ -32,7 +33,28 @@ constexpr std::uint32_t SATURATED = 0x110000;
 
 }  // namespace
 
+/// A reference that stands whole in the window and is right; false, with nothing read, for others.
+bool ParserCore::readPlainCharacterReference(std::uint32_t& codePoint) {
+    const char16_t* p = scanner.cursor();
+    const char16_t* const end = scanner.limit();
+    const bool hexadecimal = p != end && *p == u'x';
+    if (hexadecimal) ++p;
+    const std::uint32_t radix = hexadecimal ? 16 : 10;
+    const char16_t* const digits = p;
+    std::uint32_t value = 0;
+    for (; p != end; ++p) {
+        const int digit = digitValue(*p, hexadecimal);
+        if (digit < 0) break;
+        value = std::min(value * radix + static_cast<std::uint32_t>(digit), SATURATED);
+    }
+    if (p == end || p == digits || *p != u';' || !isXmlCharacter(value)) return false;
+    scanner.moveTo(p + 1);
+    codePoint = value;
+    return true;
+}
+
 bool ParserCore::readCharacterReference(std::uint32_t& codePoint) {
+    if (readPlainCharacterReference(codePoint)) return true;
     UnicodeString spelt;
     const bool hexadecimal = scanner.accept(u'x');
     if (hexadecimal) spelt.append(u'x');
@@ -61,6 +83,29 @@ bool ParserCore::readCharacterReference(std::uint32_t& codePoint) {
     }
     codePoint = value;
     return true;
+}
+
+bool ParserCore::readPredefined(UnicodeString& text) {
+    static constexpr struct {
+        const char16_t* name;
+        std::size_t length;
+        char16_t character;
+    } PREDEFINED[] = {
+        {u"amp;", 4, u'&'},  {u"lt;", 3, u'<'},    {u"gt;", 3, u'>'},
+        {u"quot;", 5, u'"'}, {u"apos;", 5, u'\''},
+    };
+    if (!generalEntities.isEmpty()) return false;
+    const char16_t* const begin = scanner.cursor();
+    const auto left = static_cast<std::size_t>(scanner.limit() - begin);
+    for (const auto& entity : PREDEFINED) {
+        if (left < entity.length || entity.length > limits.nameLength) continue;
+        if (!equalUnits(begin, entity.name, entity.length)) continue;
+        scanner.moveTo(begin + entity.length);
+        countExpansion(1);
+        text.append(entity.character);
+        return true;
+    }
+    return false;
 }
 
 bool ParserCore::readEntityName(char16_t sign, RyName& name) {
