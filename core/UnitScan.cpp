@@ -387,8 +387,7 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 
-#include <atomic>
-#include <cstdlib>
+#include "core/KernelChoice.h"
 
 namespace RynCommon {
 
@@ -425,7 +424,7 @@ struct Kernels {
 };
 
 Kernels selectKernels() noexcept {
-    if (std::getenv("RYNCOMMON_SCALAR") != nullptr) {
+    if (wantsScalarKernels()) {
         return {scalar::findTextStop,   scalar::findValueStop,     scalar::findUnit,
                 scalar::findMarkupStop, scalar::findLineBreakUnit, scalar::findColumnStops,
                 scalar::countLines,     scalar::widenAscii,        scalar::isLatin1,
@@ -444,19 +443,8 @@ Kernels selectKernels() noexcept {
             HWY_DYNAMIC_DISPATCH(narrowPassing)};
 }
 
-constinit std::atomic<const Kernels*> chosenKernels{nullptr};
-
-[[gnu::noinline, gnu::cold]] const Kernels& chooseKernels() noexcept {
-    static const Kernels kernels = selectKernels();
-    chosenKernels.store(&kernels, std::memory_order_release);
-    return kernels;
-}
-
 inline const Kernels& kernels() noexcept {
-    const Kernels* const chosen = chosenKernels.load(std::memory_order_acquire);
-    if (chosen != nullptr) [[likely]]
-        return *chosen;
-    return chooseKernels();
+    return KernelChoice<Kernels, selectKernels>::get();
 }
 
 }  // namespace

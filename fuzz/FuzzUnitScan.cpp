@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/UnitScan.h"
+#include "core/Utf8Units.h"
 #include "fuzz/ByteFeed.h"
 #include "fuzz/Require.h"
 
@@ -117,6 +118,34 @@ void checkWidening(Bytes& run, std::size_t offset) {
     checkPassing(run, copyPassing, scalar::copyPassing, "copyPassing");
 }
 
+// Returns the units made.
+std::u16string checkDecoding(Bytes& run) {
+    std::u16string one(run.size() / 3, u'\0');
+    std::u16string other = one;
+    const std::size_t count = decodeThreeByteRun(run.begin(), run.size(), one.data());
+    require(count == scalar::decodeThreeByteRun(run.begin(), run.size(), other.data()),
+            "decodeThreeByteRun");
+    require(one.compare(0, count, other, 0, count) == 0, "decodeThreeByteRun's units");
+    return one.substr(0, count);
+}
+
+// What was encoded decodes to the same, as far as there are whole groups of it.
+void checkEncoding(Units& run, std::size_t offset) {
+    const std::string zeros(3 * run.size() + 4, '\0');
+    const auto* const blank = reinterpret_cast<const std::uint8_t*>(zeros.data());
+    Bytes one(blank, zeros.size(), offset);
+    Bytes other(blank, zeros.size(), offset);
+    const std::size_t count = encodeThreeByteRun(run.begin(), run.size(), one.begin());
+    require(count == scalar::encodeThreeByteRun(run.begin(), run.size(), other.begin()),
+            "encodeThreeByteRun");
+    require(std::equal(one.begin(), one.begin() + 3 * count, other.begin()),
+            "encodeThreeByteRun's bytes");
+    Bytes encoded(one.begin(), 3 * count, offset);
+    const std::u16string back = checkDecoding(encoded);
+    require(back.size() == count - count % THREE_BYTE_GROUP, "all of what was encoded");
+    require(std::equal(back.begin(), back.end(), run.begin()), "what was encoded");
+}
+
 void checkUnits(const char16_t* units, std::size_t count, std::size_t offset, char16_t a,
                 char16_t b) {
     Units run(units, count, offset);
@@ -124,6 +153,7 @@ void checkUnits(const char16_t* units, std::size_t count, std::size_t offset, ch
     checkCounting(run);
     checkNarrowing(run, offset / 2);
     checkPassing(run, narrowPassing, scalar::narrowPassing, "narrowPassing");
+    checkEncoding(run, offset / 3);
 }
 
 }  // namespace
@@ -141,6 +171,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     Bytes bytes(reinterpret_cast<const std::uint8_t*>(rest.data()), rest.size(), offset);
     checkWidening(bytes, offset / 3);
+    checkDecoding(bytes);
     std::u16string units(rest.size() / 2, u'\0');
     std::memcpy(units.data(), rest.data(), units.size() * 2);
     checkUnits(units.data(), units.size(), offset, a, b);

@@ -5,37 +5,16 @@
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
 #include <string>
 #include <vector>
 
+#include "UnitRun.h"
 #include "core/TextHash.h"
 
 namespace RynCommon {
 namespace {
 
 constexpr std::size_t LONGEST = 100;
-constexpr std::size_t ALIGNMENTS = 17;
-
-// A run of `length` elements that starts at any alignment and ends where its allocation ends, so
-// that a sanitizer sees every access past it.
-template <class T>
-class UnitRun {
-public:
-    UnitRun(std::size_t length, std::size_t offset, T fill)
-        : room_(new T[offset + length]), start_(room_.get() + offset), length_(length) {
-        std::fill_n(room_.get(), offset + length, fill);
-    }
-    T* begin() { return start_; }
-    T* end() { return start_ + length_; }
-    T& operator[](std::size_t i) { return start_[i]; }
-
-private:
-    std::unique_ptr<T[]> room_;
-    T* start_;
-    std::size_t length_;
-};
-
 using Find = const char16_t* (*)(const char16_t*, const char16_t*);
 
 struct FindCase {

@@ -14,6 +14,8 @@
 #include <exception>
 #include <new>
 
+#include "core/Utf8Units.h"
+
 namespace RynCommon {
 
 namespace {
@@ -42,13 +44,20 @@ char* appendUtf8(char* out, std::uint32_t c) {
 }
 
 // Takes the characters that stand in three bytes of UTF-8, as most ideographs and kana do, as far
-// as they go. The line separator may have to be escaped and ends the run. Four bytes are stored at
-// a time.
+// as they go, long runs by the kernel. The line separator may have to be escaped and ends the run.
+// Four bytes are stored at a time.
 char* appendThreeByteRun(char* out, const char16_t*& p, const char16_t* end) {
-    constexpr std::uint32_t FIRST = 0x800, COUNT = 0xD800 - FIRST;
     // A place of its own: the bytes stored might be those of `p`, for all that a compiler knows.
     const char16_t* at = p;
-    for (; at != end && *at - FIRST < COUNT && *at != 0x2028; ++at, out += 3) {
+    // A call costs as much as a few units do.
+    constexpr std::ptrdiff_t FEW_UNITS = 3;
+    if (end - at >= static_cast<std::ptrdiff_t>(THREE_BYTE_GROUP) && at[FEW_UNITS] >= 0x800) {
+        const std::size_t units = encodeThreeByteRun(at, static_cast<std::size_t>(end - at),
+                                                     reinterpret_cast<std::uint8_t*>(out));
+        at += units;
+        out += 3 * units;
+    }
+    for (; at != end && isPlainThreeByteUnit(*at); ++at, out += 3) {
         const std::uint32_t c = *at;
         std::uint32_t bytes =
             0xE0 | c >> 12 | (0x80 | (c >> 6 & 0x3F)) << 8 | (0x80 | (c & 0x3F)) << 16;

@@ -111,6 +111,61 @@ TEST(ParserDecoding, RealFFFFIsAnErrorAndDropped) {
     }
 }
 
+// Characters of three bytes are taken many at a time; what is none of them may stand anywhere.
+TEST(ParserDecoding, LongRunsOfIdeographs) {
+    const struct {
+        const char* what;
+        std::string bytes, shown;
+    } rows[] = {
+        {"nothing else", "", ""},
+        {"surrogate", "\xED\xA0\x80", "\\u{FFFD}"},
+        {"many surrogates", "\xED\xA0\x80\xED\xBF\xBF\xED\xA0\x80", "\\u{FFFD}\\u{FFFD}\\u{FFFD}"},
+        {"overlong", "\xE0\x83\xA9\xE0\x81\x81", "\\u{E9}A"},
+        {"overlong CR", "\xE0\x80\x8D", "\\n"},
+        {"overlong CR of two bytes", "\xC0\x8D", "\\n"},
+        {"next line", "\xC2\x85", "\\n"},
+        {"overlong next line", "\xE0\x82\x85", "\\n"},
+        {"line separators", "\u2028\u2028", "\\n\\n"},
+        {"CR and line separator", "\r\u2028\r\u0085", "\\n\\n\\n"},
+        {"CR LF", "\r\n", "\\n"},
+        {"U+FFFE, U+0800 and U+E000", "\xEF\xBF\xBE\u0800\xEE\x80\x80",
+         "\\u{FFFE}\\u{800}\\u{E000}"},
+        {"two and four bytes", "\u0416\u00E9\U0001F600x", "\\u{416}\\u{E9}\\u{1F600}x"},
+        {"cut short", "\xE4\xB8", "\\u{FFFD}"},
+        {"two bytes cut short", "\xD0", "\\u{FFFD}"},
+        {"stray bytes", "\xB8\xFF", "\\u{FFFD}\\u{FFFD}"},
+    };
+    const auto ideographs = [](std::size_t count) {
+        std::pair<std::string, std::string> run;
+        for (; count != 0; --count) {
+            run.first += "\u4E2D";
+            run.second += "\\u{4E2D}";
+        }
+        return run;
+    };
+    constexpr std::size_t LENGTH = 36;
+    for (const auto& row : rows) {
+        for (std::size_t at = 0; at <= LENGTH; ++at) {
+            const auto [before, beforeShown] = ideographs(at);
+            const auto [after, afterShown] = ideographs(LENGTH - at);
+            const std::string bytes = "<a>" + before + row.bytes + after + "</a>";
+            const std::string expected =
+                "S(a) T(" + beforeShown + row.shown + afterShown + ") E(a) .";
+            EXPECT_EQ(run(bytes).summary(), expected) << row.what << " at " << at;
+            EXPECT_EQ(run(bytes, {.chunk = 25 + at}).summary(), expected)
+                << row.what << " at " << at << ", in chunks";
+        }
+    }
+    for (std::size_t at = 0; at <= LENGTH; ++at) {
+        const auto [text, textShown] = ideographs(at);
+        const std::string bytes = "<a>" + text + "\uFFFF" + text + "</a>";
+        EXPECT_EQ(run(bytes).summary(), "S(a) !6196") << at;
+        const std::string between = at == 0 ? "" : "T(" + textShown + textShown + ") ";
+        EXPECT_EQ(run(bytes, {.callback = true}).summary(), "6196 | S(a) " + between + "E(a) .")
+            << at;
+    }
+}
+
 TEST(ParserDecoding, LineEndsBecomeLf) {
     const std::pair<std::u32string, std::string> rows[] = {
         {U"1\r\n2", "1\\n2"},
@@ -202,6 +257,22 @@ TEST(ParserDecoding, BlockBoundariesAreInvisible) {
                                   << seen.substr(std::min(seen.size(), padding));
                 }
             }
+        }
+    }
+}
+
+TEST(ParserDecoding, RunsOfIdeographsCrossBlocks) {
+    constexpr std::size_t BLOCK = 16384, LENGTH = 40;
+    for (const char32_t middle : {U'\u4E2D', U'\u2028', U'\u0416', U'\U0001F600'}) {
+        std::u32string text(LENGTH, U'\u65E5');
+        text[LENGTH / 2] = middle;
+        std::u32string expected = text;
+        if (middle == U'\u2028') expected[LENGTH / 2] = U'\n';
+        for (std::size_t before = 0; before <= 3 * LENGTH + 2; ++before) {
+            const std::u32string padding(BLOCK - 3 - before, U'x');
+            EXPECT_EQ(run(inRoot("UTF-8", padding + text)).events,
+                      run(inRoot("UTF-32LE", padding + expected)).events)
+                << std::hex << unsigned{middle} << " " << before;
         }
     }
 }

@@ -89,6 +89,34 @@ TEST(CharacterWriterTest, EveryCharacterInUtf8IsAsIcuWritesIt) {
     EXPECT_EQ(written(u"\u0085\u2028\r\u007F", ESCAPE_LINE_ENDS), "&#133;&#8232;&#13;\x7F");
 }
 
+// What is none of the characters of three bytes, at each place of a run of them.
+TEST(CharacterWriterTest, LongRunsOfIdeographs) {
+    Written written(false);
+    const struct {
+        std::u16string text;
+        std::string bytes;
+    } rows[] = {{u"\u2028", "&#8232;"},
+                {u"\u0085", "&#133;"},
+                {u"\r<", "&#13;&lt;"},
+                {u"\u2027\u2029\uFFFF", "\u2027\u2029\uFFFF"},
+                {u"\u0416\u0800\uFF01", "\u0416\u0800\uFF01"},
+                {u"\U0001F600", "\U0001F600"},
+                {{0xD83D}, "\xED\xA0\xBD"},
+                {{0xDE00, 0xD83D}, "\xED\xB8\x80\xED\xA0\xBD"}};
+    for (const auto& row : rows) {
+        for (std::size_t at = 0; at <= 40; ++at) {
+            std::string before, after;
+            for (std::size_t i = 0; i < 40; ++i) (i < at ? before : after) += "\u65E5";
+            const std::u16string text =
+                std::u16string(at, u'\u65E5') + row.text + std::u16string(40 - at, u'\u65E5');
+            ASSERT_EQ(written(UnicodeString(text.data(), static_cast<std::int32_t>(text.size())),
+                              ESCAPE_LINE_ENDS | ESCAPE_MARKUP),
+                      before + row.bytes + after)
+                << row.bytes << " at " << at;
+        }
+    }
+}
+
 // What is written decodes to the unit again, or is a reference to it.
 TEST(CharacterWriterTest, EveryUnitInShiftJisIsReadBack) {
     Written written(true);
