@@ -118,12 +118,12 @@ HWY_INLINE hn::Mask<D> specials(D d, hn::Vec<D> units) {
                   hn::Or(hn::Eq(units, hn::Set(d, 0x2028)), hn::Eq(units, hn::Set(d, 0xFFFF))));
 }
 
-// The number of units before the first bad one.
+// The number of units before the first that is not good.
 template <class D>
-HWY_INLINE std::size_t countBefore(D d, hn::Mask<D> bad) {
-    if (hn::AllFalse(d, bad)) [[likely]]
+HWY_INLINE std::size_t countGood(D d, hn::Mask<D> good) {
+    if (hn::AllTrue(d, good)) [[likely]]
         return hn::Lanes(d);
-    return hn::FindKnownFirstTrue(d, bad);
+    return hn::FindKnownFirstTrue(d, hn::Not(good));
 }
 
 // Takes as many sequences as a vector has units; returns the number of good ones.
@@ -138,7 +138,7 @@ HWY_INLINE std::size_t decodeVector(D d, const std::uint8_t* in, char16_t* out) 
     const auto units = hn::Or(hn::Or(hn::ShiftLeft<12>(leads), middle), low);
     hn::StoreU(units, d, reinterpret_cast<std::uint16_t*>(out));
     const auto fixed = hn::Or(hn::And(pairs, hn::Set(d, 0xC0C0)), hn::ShiftRight<4>(leads));
-    return countBefore(d, hn::Or(hn::Ne(fixed, hn::Set(d, 0x808E)), specials(d, units)));
+    return countGood(d, hn::AndNot(specials(d, units), hn::Eq(fixed, hn::Set(d, 0x808E))));
 }
 
 // Takes as many units as a vector has; returns the number of good ones.
@@ -157,7 +157,7 @@ HWY_INLINE std::size_t encodeVector(D d, const char16_t* in, std::uint8_t* out) 
     };
     storeBlocks(d, packed(hn::InterleaveLower(d, pairs, low)),
                 packed(hn::InterleaveUpper(d, pairs, low)), out);
-    return countBefore(d, specials(d, units));
+    return countGood(d, hn::Not(specials(d, units)));
 }
 
 // Whole vectors from `done` on. False where one has a bad unit.

@@ -1,8 +1,8 @@
 // Blocks of bytes to UTF-16.
 //
-// Each decoder is one loop over a block. Runs of UTF-8 in ASCII and long ones in sequences of three
-// bytes go through the vector kernels; what is short, or of two bytes, is taken in loops of its own
-// that know its form; all else, broken sequences first of all, goes through the general one. UTF-16
+// Each decoder is one loop over a block. Runs of ASCII and of sequences of three bytes in UTF-8 go
+// through the vector kernels; what these leave, and sequences of two bytes, are taken in loops that
+// know their form; all else, broken sequences first of all, goes through the general one. UTF-16
 // is copied in words of four units and looked through for surrogates, which text seldom has: four
 // times as fast as by units.
 #include <array>
@@ -107,10 +107,9 @@ bool decodeThreeByteForms(const std::uint8_t*& in, const std::uint8_t* end, char
                           bool& hasBreaks) {
     const std::uint8_t* p = in;
     char16_t* to = out;
-    // A call costs as much as a few sequences do.
-    constexpr std::ptrdiff_t FEW = 3 * 3;
     constexpr std::ptrdiff_t GROUP = 3 * THREE_BYTE_GROUP;
-    if (end - p >= GROUP && (p[FEW] & 0xF0) == 0xE0) {
+    // The kernel pays from two sequences on.
+    if (end - p >= GROUP && (p[3] & 0xF0) == 0xE0) {
         const std::size_t units = decodeThreeByteRun(p, static_cast<std::size_t>(end - p), to);
         p += 3 * units;
         to += units;

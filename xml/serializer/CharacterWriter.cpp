@@ -44,14 +44,14 @@ char* appendUtf8(char* out, std::uint32_t c) {
 }
 
 // Takes the characters that stand in three bytes of UTF-8, as most ideographs and kana do, as far
-// as they go, long runs by the kernel. The line separator may have to be escaped and ends the run.
-// Four bytes are stored at a time.
+// as they go, all but single ones by the kernel. The line separator may have to be escaped and ends
+// the run. Four bytes are stored at a time.
 char* appendThreeByteRun(char* out, const char16_t*& p, const char16_t* end) {
     // A place of its own: the bytes stored might be those of `p`, for all that a compiler knows.
     const char16_t* at = p;
-    // A call costs as much as a few units do.
-    constexpr std::ptrdiff_t FEW_UNITS = 3;
-    if (end - at >= static_cast<std::ptrdiff_t>(THREE_BYTE_GROUP) && at[FEW_UNITS] >= 0x800) {
+    // The kernel pays from two units on.
+    constexpr std::ptrdiff_t GROUP = THREE_BYTE_GROUP;
+    if (end - at >= GROUP && at[1] >= 0x800) {
         const std::size_t units = encodeThreeByteRun(at, static_cast<std::size_t>(end - at),
                                                      reinterpret_cast<std::uint8_t*>(out));
         at += units;
