@@ -77,7 +77,9 @@ private:
     char* encodeBeyondAscii(const char16_t*& p, const char16_t* end, unsigned escapes, char* out);
     char* encodeShiftJis(char16_t unit, char* out);
 
-    // Latin-1, in Latin1Runs.cpp.
+    // Compact texts, in Latin1Runs.cpp.
+    template <unsigned escapes>
+    void writeCompact(const RyCompactText& text);
     template <unsigned escapes>
     void writeLatin1(const std::uint8_t* text, std::size_t length);
     template <unsigned escapes>
