@@ -52,9 +52,9 @@ public:
 
     /// Whether the text is kept in its word: at most seven units of Latin-1.
     static bool isShort(const RyCompactText& text) { return !text.hasBlock(); }
-    static std::size_t shortLength(const RyCompactText& text) { return text.word_ >> 1 & 7; }
+    static std::size_t shortLength(const RyCompactText& text) { return text.shortLength(); }
     /// The units of a short text, the first one lowest, with zeros above.
-    static std::uint64_t shortUnits(const RyCompactText& text) { return text.word_ >> 8; }
+    static std::uint64_t shortUnits(const RyCompactText& text) { return text.shortUnits(); }
 
     std::size_t length() const { return length_; }
     /// Whether utf16() holds the units, or latin1().
