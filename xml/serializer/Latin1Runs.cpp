@@ -5,9 +5,9 @@
 // and the rest, which is all of most values, goes in words of eight bytes, instead of being widened
 // first and narrowed again.
 //
-// Most texts and values have up to 32 bytes, hold nothing to escape and are done at first sight: one
-// look at sixteen bytes, of which a short text has the first and a longer one its first and last
-// eight, or two such looks, and as many stores.
+// Most texts and values have up to 32 bytes, hold nothing to escape and are done at first sight:
+// one look at sixteen bytes, of which a short text has the first and a longer one its first and
+// last eight, or two such looks, and as many stores.
 //
 // In words, "<" and ">" differ in one bit, and so do "&" and the quote, so that one comparison
 // behind an OR finds both. A line feed is a control character that passes, and the only frequent

@@ -158,7 +158,8 @@ private:
              attr = attr->getNextAttribute()) {
             const RyName ns = attr->RyAttr::getNamespaceUri();
             if (ns == RN_NS_xmlns) continue;
-            sink_.attr(namespaceText(ns), view(attr->RyAttr::getLocalName()), attr->readText(text_));
+            sink_.attr(namespaceText(ns), view(attr->RyAttr::getLocalName()),
+                       attr->readText(text_));
         }
     }
 
