@@ -39,9 +39,9 @@ class CompactUnits {
 public:
     explicit CompactUnits(const RyCompactText& text) {
         if (!text.hasBlock()) {
-            length_ = text.word_ >> 1 & 7;
+            length_ = shortLength(text);
             for (unsigned i = 0; i < sizeof room_; ++i)
-                room_[i] = static_cast<std::uint8_t>(text.word_ >> 8 >> 8 * i);
+                room_[i] = static_cast<std::uint8_t>(shortUnits(text) >> 8 * i);
             return;
         }
         const RyCompactText::Block& block = *text.block();
@@ -63,6 +63,12 @@ public:
     }
     CompactUnits(const CompactUnits&) = delete;
     CompactUnits& operator=(const CompactUnits&) = delete;
+
+    /// Whether the text is kept in its word: at most seven units of Latin-1.
+    static bool isShort(const RyCompactText& text) { return !text.hasBlock(); }
+    static std::size_t shortLength(const RyCompactText& text) { return text.shortLength(); }
+    /// The units of a short text, the first one lowest, with zeros above.
+    static std::uint64_t shortUnits(const RyCompactText& text) { return text.shortUnits(); }
 
     std::size_t length() const { return length_; }
     /// Whether utf16() holds the units, or latin1().

@@ -157,7 +157,9 @@ public:
     /// The map; lives as long as the element or a counted pointer to it.
     virtual RyNamedNodeMap* getAttributes() const;
     /// First attribute, or null; RyAttr::getNextAttribute() leads on.
-    RyAttr* getFirstAttribute() const;
+    RyAttr* getFirstAttribute() const {
+        return attributes_ != nullptr ? firstOfAttributes() : nullptr;
+    }
 
 protected:
     friend class RyDocument;
@@ -168,6 +170,7 @@ protected:
 
 private:
     AttrNodeMap& attributes() const;
+    RyAttr* firstOfAttributes() const;
 
     std::int32_t line_ = -1;
     std::int32_t column_ = -1;

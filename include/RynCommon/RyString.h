@@ -1,7 +1,10 @@
 // The shared constant strings, and exact-size storage of text.
 #pragma once
 
+#include <bit>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string_view>
 
@@ -73,6 +76,25 @@ private:
 
     bool hasBlock() const { return word_ != 0 && (word_ & 1) == 0; }
     Block* block() const { return reinterpret_cast<Block*>(word_); }
+    // Of a text without a block.
+    std::size_t shortLength() const { return word_ >> 1 & 7; }
+    std::uint64_t shortUnits() const { return word_ >> 8; }  // the first one lowest, then zeros
+    /// Writes eight units: those of the text and zeros.
+    void widenShort(char16_t* to) const {
+        const std::uint64_t units = shortUnits();
+#if defined(__GNUC__)
+        if constexpr (std::endian::native == std::endian::little) {
+            using Narrow = std::uint8_t __attribute__((vector_size(8)));
+            using Wide = std::uint16_t __attribute__((vector_size(16)));
+            Narrow narrow;
+            std::memcpy(&narrow, &units, sizeof narrow);
+            const Wide wide = __builtin_convertvector(narrow, Wide);
+            std::memcpy(to, &wide, sizeof wide);
+            return;
+        }
+#endif
+        for (int i = 0; i < 8; ++i) to[i] = static_cast<char16_t>(units >> 8 * i & 0xFF);
+    }
     void freeBlock();
     void copyUnits(std::size_t from, std::size_t count, char16_t* to) const;
 
@@ -90,7 +112,12 @@ public:
     RyTextBuffer& operator=(const RyTextBuffer&) = delete;
 
     /// The units, valid until the next call and as long as `text` lives unchanged.
-    std::u16string_view read(const RyCompactText& text);
+    std::u16string_view read(const RyCompactText& text) {
+        if (text.hasBlock()) return readBlock(text);
+        char16_t* const to = makeRoom(0);
+        text.widenShort(to);
+        return {to, text.shortLength()};
+    }
     /// Those of a copy of the string.
     std::u16string_view read(const UnicodeString& text);
 
@@ -102,6 +129,7 @@ private:
         return room_.get();
     }
     void grow(std::size_t length);
+    std::u16string_view readBlock(const RyCompactText& text);
 
     std::unique_ptr<char16_t[]> room_;
     std::size_t capacity_ = 0;

@@ -30,36 +30,45 @@ bool isExactly(const RyNode& node) {
 Saver::Saver(RyXmlSerializer& serializer)
     : serializer_(serializer), plain_(dynamic_cast<XmlSerializerImpl*>(&serializer)) {}
 
+/// What a node is exactly, asked once on each visit.
+enum class Saver::Kind { TEXT, ELEMENT, OTHER };
+
+Saver::Kind Saver::kindOf(const RyNode& node) {
+    if (isExactly<RyTextNode>(node)) return Kind::TEXT;
+    return isExactly<RyElement>(node) ? Kind::ELEMENT : Kind::OTHER;
+}
+
 // Each node is entered before its children and left after them.
 void Saver::saveTree(RyNode& root) {
     RyNode* node = &root;
     for (;;) {
-        enter(*node);
-        if (RyNode* const child = firstChild(*node)) {
+        Kind kind = kindOf(*node);
+        enter(*node, kind);
+        if (RyNode* const child = firstChild(*node, kind)) {
             node = child;
             continue;
         }
         for (;;) {
-            leave(*node);
+            if (kind != Kind::TEXT) leave(*node, kind);
             if (node == &root) return;
-            if (RyNode* const next = nextSibling(*node)) {
+            if (RyNode* const next = nextSibling(*node, kind)) {
                 node = next;
                 break;
             }
             node = node->getParentNodeFast();
             if (node == nullptr) return;
+            kind = kindOf(*node);
         }
     }
 }
 
-RyNode* Saver::firstChild(const RyNode& node) const {
-    const bool known = isExactly<RyTextNode>(node) || isExactly<RyElement>(node);
-    return known && !node.isLoading() ? node.getFirstChildFast() : node.getFirstChild();
+RyNode* Saver::firstChild(const RyNode& node, Kind kind) {
+    if (kind == Kind::OTHER || node.isLoading()) return node.getFirstChild();
+    return node.hasChildNodesFast() ? node.getFirstChildFast() : nullptr;
 }
 
-RyNode* Saver::nextSibling(const RyNode& node) const {
-    const bool known = isExactly<RyTextNode>(node) || isExactly<RyElement>(node);
-    if (known) {
+RyNode* Saver::nextSibling(const RyNode& node, Kind kind) {
+    if (kind != Kind::OTHER) {
         if (RyNode* const next = node.getNextSiblingFast()) return next;
         const RyNode* const parent = node.getParentNodeFast();
         if (parent == nullptr || !parent->isLoading()) return nullptr;
@@ -67,10 +76,10 @@ RyNode* Saver::nextSibling(const RyNode& node) const {
     return node.getNextSibling();
 }
 
-void Saver::enter(const RyNode& node) {
-    if (plain_ != nullptr && isExactly<RyTextNode>(node))
+void Saver::enter(const RyNode& node, Kind kind) {
+    if (plain_ != nullptr && kind == Kind::TEXT)
         plain_->text(static_cast<const RyTextNode&>(node).getCompactData());
-    else if (isExactly<RyElement>(node))
+    else if (kind == Kind::ELEMENT)
         startElement(static_cast<const RyElement&>(node));
     else
         enterOther(node);
@@ -99,16 +108,14 @@ void Saver::enterOther(const RyNode& node) {
     }
 }
 
-void Saver::leave(const RyNode& node) {
-    if (isExactly<RyTextNode>(node)) return;
-    if (isExactly<RyElement>(node)) {
+void Saver::leave(const RyNode& node, Kind kind) {
+    if (kind == Kind::ELEMENT) {
         const RyElement& element = static_cast<const RyElement&>(node);
-        const RyName ns = element.RyElement::getNamespaceUri();
-        const RyName local = element.RyElement::getLocalName();
         if (plain_ != nullptr)
-            plain_->endTag(ns, local);
+            plain_->endTag();
         else
-            serializer_.endTag(ns, local);
+            serializer_.endTag(element.RyElement::getNamespaceUri(),
+                               element.RyElement::getLocalName());
     } else if (node.getNodeType() == RyNode::ELEMENT_NODE) {
         serializer_.endTag(node.getNamespaceUri(), node.getLocalName());
     }

@@ -17,11 +17,14 @@ public:
     void startElement(const RyElement& element);
 
 private:
-    RyNode* firstChild(const RyNode& node) const;
-    RyNode* nextSibling(const RyNode& node) const;
-    void enter(const RyNode& node);
+    enum class Kind;
+
+    static Kind kindOf(const RyNode& node);
+    static RyNode* firstChild(const RyNode& node, Kind kind);
+    static RyNode* nextSibling(const RyNode& node, Kind kind);
+    void enter(const RyNode& node, Kind kind);
     void enterOther(const RyNode& node);
-    void leave(const RyNode& node);
+    void leave(const RyNode& node, Kind kind);
     void writeAttribute(const RyAttr& attr);
     void writeCompound(const RyAttr& attr, const RyNamedValueMap& entries);
 

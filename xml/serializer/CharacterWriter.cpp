@@ -81,36 +81,32 @@ void callStream(Call call) {
 
 }  // namespace
 
-// Buffer and names go with the output: a serializer stays with its document, and an application
-// may keep thousands of them.
+// The memory goes with the output: a serializer stays with its document, and an application may
+// keep thousands of them.
 void CharacterWriter::open(std::ostream* out) {
     out_ = out;
     if (out == nullptr) {
-        buffer_.reset();
-        names_.reset();
+        memory_.reset();
         next_ = end_ = nullptr;
         return;
     }
-    if (buffer_ == nullptr) buffer_ = std::make_unique_for_overwrite<char[]>(CAPACITY);
-    if (names_ == nullptr)
-        names_ = std::make_unique<NameBytes>();
-    else
-        names_->clear();
-    next_ = buffer_.get();
-    end_ = next_ + CAPACITY;
+    if (memory_ == nullptr) memory_ = takeWriterMemory();
+    memory_->fit(isShiftJis_);
+    next_ = memory_->buffer;
+    end_ = next_ + WriterMemory::CAPACITY;
 }
 
 void CharacterWriter::setShiftJis(bool on) {
     if (on && shiftJis_ == nullptr) shiftJis_ = std::make_unique<ShiftJisEncoder>();
-    if (on != isShiftJis_ && names_ != nullptr) names_->clear();
     isShiftJis_ = on;
+    if (memory_ != nullptr) memory_->fit(on);
 }
 
 void CharacterWriter::drain() {
-    if (out_ == nullptr || next_ == buffer_.get()) return;
-    const std::streamsize size = next_ - buffer_.get();
-    next_ = buffer_.get();
-    callStream([&] { out_->write(buffer_.get(), size); });
+    if (out_ == nullptr || next_ == memory_->buffer) return;
+    const std::streamsize size = next_ - memory_->buffer;
+    next_ = memory_->buffer;
+    callStream([&] { out_->write(memory_->buffer, size); });
 }
 
 void CharacterWriter::flush() {

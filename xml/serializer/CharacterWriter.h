@@ -10,8 +10,8 @@
 #include <RynCommon/RyString.h>
 
 #include "xml/serializer/Escapes.h"
-#include "xml/serializer/NameBytes.h"
 #include "xml/serializer/ShiftJisEncoder.h"
+#include "xml/serializer/WriterMemory.h"
 
 namespace RynCommon {
 
@@ -47,7 +47,7 @@ public:
     void writeName(std::string_view before, RyName prefix, RyName localName,
                    std::string_view after) {
         const std::uint64_t key = NameBytes::keyOf(prefix, localName);
-        NameBytes::Entry& entry = names_->find(prefix, localName);
+        NameBytes::Entry& entry = memory_->names.find(prefix, localName);
         if ((entry.key != key || key == 0) && !keepName(entry, prefix, localName)) {
             writeAscii(before);
             writeLongName(prefix, localName);
@@ -66,8 +66,6 @@ public:
     bool canEncode(const UnicodeString& text) const;
 
 private:
-    static constexpr std::size_t CAPACITY = 32 * 1024;
-
     char* room(std::size_t bytes) {
         if (static_cast<std::size_t>(end_ - next_) < bytes) [[unlikely]]
             drain();
@@ -79,7 +77,9 @@ private:
     char* encodeBeyondAscii(const char16_t*& p, const char16_t* end, unsigned escapes, char* out);
     char* encodeShiftJis(char16_t unit, char* out);
 
-    // Latin-1, in Latin1Runs.cpp.
+    // Compact texts, in Latin1Runs.cpp.
+    template <unsigned escapes>
+    void writeCompact(const RyCompactText& text);
     template <unsigned escapes>
     void writeLatin1(const std::uint8_t* text, std::size_t length);
     template <unsigned escapes>
@@ -89,10 +89,9 @@ private:
     char* encodeLatin1(const std::uint8_t* p, std::size_t length, unsigned escapes, char* out);
 
     std::ostream* out_ = nullptr;
-    std::unique_ptr<char[]> buffer_;  // while there is an output
+    WriterMemoryPtr memory_;  // while there is an output
     char* next_ = nullptr;
     char* end_ = nullptr;
-    std::unique_ptr<NameBytes> names_;           // while there is an output
     std::unique_ptr<ShiftJisEncoder> shiftJis_;  // made on first need
     bool isShiftJis_ = false;
 };

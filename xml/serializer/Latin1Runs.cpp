@@ -5,6 +5,10 @@
 // and the rest, which is all of most values, goes in words of eight bytes, instead of being widened
 // first and narrowed again.
 //
+// Most texts and values have up to 32 bytes, hold nothing to escape and are done at first sight:
+// one look at sixteen bytes, of which a short text has the first and a longer one its first and
+// last eight, or two such looks, and as many stores.
+//
 // In words, "<" and ">" differ in one bit, and so do "&" and the quote, so that one comparison
 // behind an OR finds both. A line feed is a control character that passes, and the only frequent
 // one.
@@ -53,16 +57,96 @@ constexpr std::uint64_t hideLineFeeds(std::uint64_t word) {
     return word | feeds >> 2;
 }
 
+/// Two words that are looked at and stored at once. What is kept as Latin-1 has its first unit in
+/// the first byte on any processor.
+class TwoWords {
+public:
+    TwoWords(const std::uint8_t* first, const std::uint8_t* second)
+        : TwoWords(loadWord(first), loadWord(second)) {}
+    TwoWords(std::uint64_t first, std::uint64_t second) : words_{first, second} {}
+
+    /// Whether a byte does not pass as it is.
+    template <unsigned escapes>
+    bool needLook() const {
+#if defined(__GNUC__)
+        Bytes bytes;
+        std::memcpy(&bytes, words_, sizeof bytes);
+        // Signed, so that what is beyond ASCII is below the space as well.
+        auto stops = (bytes < ' ') & (bytes != '\n');
+        stops |= (bytes == '&') | (bytes == '<') | (bytes == '>');
+        if constexpr ((escapes & ESCAPE_QUOTE) != 0) stops |= bytes == '"';
+        std::uint64_t found[2];
+        std::memcpy(found, &stops, sizeof found);
+        return (found[0] | found[1]) != 0;
+#else
+        const auto look = [](std::uint64_t word) {
+            return needsLook<escapes>(word) && needsLook<escapes>(hideLineFeeds(word));
+        };
+        return look(words_[0]) || look(words_[1]);
+#endif
+    }
+    void store(char* first, char* second) const {
+        std::memcpy(first, &words_[0], WORD);
+        std::memcpy(second, &words_[1], WORD);
+    }
+
+private:
+#if defined(__GNUC__)
+    using Bytes = signed char __attribute__((vector_size(16)));
+#endif
+    std::uint64_t words_[2];
+};
+
+/// A word whose lowest byte comes first in memory.
+std::uint64_t toMemoryOrder(std::uint64_t word) {
+    if constexpr (std::endian::native == std::endian::little) return word;
+    std::uint64_t swapped = 0;
+    for (unsigned i = 0; i < WORD; ++i) swapped = swapped << 8 | (word >> 8 * i & 0xFF);
+    return swapped;
+}
+
 }  // namespace
 
 void CharacterWriter::write(const RyCompactText& text, unsigned escapes) {
-    const CompactUnits units(text);
-    if (units.isWide())
-        write(units.utf16(), units.length(), escapes);
-    else if (escapes == VALUE_ESCAPES)
-        writeLatin1<VALUE_ESCAPES>(units.latin1(), units.length());
+    if (escapes == VALUE_ESCAPES)
+        writeCompact<VALUE_ESCAPES>(text);
     else
-        writeLatin1<TEXT_ESCAPES>(units.latin1(), units.length());
+        writeCompact<TEXT_ESCAPES>(text);
+}
+
+// What most texts are stands here, and what they are not is left to the functions below.
+template <unsigned escapes>
+void CharacterWriter::writeCompact(const RyCompactText& text) {
+    char* const out = room(4 * WORD);
+    if (CompactUnits::isShort(text)) {
+        const std::size_t length = CompactUnits::shortLength(text);
+        const std::uint64_t word = toMemoryOrder(CompactUnits::shortUnits(text));
+        const std::uint64_t spaces = toMemoryOrder((ONES * ' ') << 8 * length);
+        if (!TwoWords(word | spaces, ONES * ' ').needLook<escapes>()) {
+            std::memcpy(out, &word, WORD);
+            next_ = out + length;
+            return;
+        }
+    }
+    const CompactUnits units(text);
+    const std::size_t length = units.length();
+    if (units.isWide()) {
+        write(units.utf16(), length, escapes);
+        return;
+    }
+    const std::uint8_t* const p = units.latin1();
+    if (length >= WORD && length <= 4 * WORD) {
+        const std::size_t half = length <= 2 * WORD ? 0 : WORD;
+        const std::size_t last = length - WORD;
+        const TwoWords outer(p, p + last), inner(p + half, p + last - half);
+        if (!outer.needLook<escapes>() && (half == 0 || !inner.needLook<escapes>())) {
+            outer.store(out, out + last);
+            inner.store(out + half, out + last - half);
+            next_ = out + length;
+            return;
+        }
+    }
+    writeLatin1<escapes>(p, length);
 }
 
 // The text has been made by CompactUnits: where it is shorter than a word, a whole word can be read

@@ -17,6 +17,13 @@ RyName makePlainPrefix(std::int32_t number) {
 
 }  // namespace
 
+// Room for what most documents have.
+NamespaceScopes::NamespaceScopes() {
+    bindings_.reserve(8);
+    scopes_.reserve(16);
+    clear();
+}
+
 void NamespaceScopes::clear() {
     bindings_.clear();
     scopes_.clear();
@@ -41,7 +48,8 @@ bool NamespaceScopes::isInnermost(std::int32_t binding) const {
 
 // "xml" belongs to its namespace for good.
 bool NamespaceScopes::isClaimed(RyName prefix) const {
-    if (prefix == RN_xml) return true;
+    if (prefix == RN_xml || isClaimedBy(ofElements_, prefix) || isClaimedBy(ofAttributes_, prefix))
+        return true;
     const PrefixState* const state = prefixes_.find(prefix);
     return state != nullptr && state->claimedBy == tag_;
 }
@@ -51,7 +59,7 @@ RyName NamespaceScopes::getNamespace(RyName prefix) const {
     return top != NONE ? bindings_[top].ns : RN_EMPTY;
 }
 
-RyName NamespaceScopes::getInheritedDefault() const {
+RyName NamespaceScopes::findInheritedDefault() const {
     std::int32_t binding = topOf(RN_EMPTY);
     while (isInnermost(binding)) binding = bindings_[binding].hidden;
     return binding != NONE ? bindings_[binding].ns : RN_EMPTY;
@@ -92,6 +100,7 @@ void NamespaceScopes::unlink(std::int32_t index) {
 }
 
 void NamespaceScopes::bind(RyName prefix, RyName ns) {
+    ++change_;
     const auto index = static_cast<std::int32_t>(bindings_.size());
     const std::int32_t hidden = topOf(prefix);
     if (hidden != NONE) unlink(hidden);
@@ -101,6 +110,7 @@ void NamespaceScopes::bind(RyName prefix, RyName ns) {
 }
 
 void NamespaceScopes::unbindLast() {
+    ++change_;
     const auto index = static_cast<std::int32_t>(bindings_.size()) - 1;
     const Binding binding = bindings_.back();
     unlink(index);
@@ -151,17 +161,19 @@ void NamespaceScopes::declareExplicitly(RyName prefix, RyName ns) {
         declareGenerated(ns);
 }
 
-// What nearly every name asks for, in one look-up.
-bool NamespaceScopes::claimInForce(RyName ns, RyName wanted) {
+// What nearly every other name asks for, in one look-up.
+bool NamespaceScopes::claimInForce(Recent& recent, RyName ns, RyName wanted) {
     if (wanted == RN_xml || ns == RN_NS_xml) return false;
     PrefixState& state = prefixes_[wanted];
     if (state.claimedBy == tag_ || state.top == NONE || bindings_[state.top].ns != ns) return false;
     state.claimedBy = tag_;
+    if (recent.claimedBy == tag_) claim(recent.prefix);
+    recent = {ns, wanted, change_, 0};
     return true;
 }
 
-RyName NamespaceScopes::claimForElement(RyName ns, RyName wanted) {
-    if (claimInForce(ns, wanted)) return wanted;
+RyName NamespaceScopes::claimNewForElement(RyName ns, RyName wanted) {
+    if (claimInForce(ofElements_, ns, wanted)) return wanted;
     if (ns == RN_NS_xml) return RN_xml;
     if (isClaimed(wanted)) return claimAnyForElement(ns);
     if (getNamespace(wanted) == ns)
@@ -178,8 +190,8 @@ RyName NamespaceScopes::claimAnyForElement(RyName ns) {
     return prefix;
 }
 
-RyName NamespaceScopes::claimForAttribute(RyName ns, RyName wanted) {
-    if (!wanted.isEmpty() && claimInForce(ns, wanted)) return wanted;
+RyName NamespaceScopes::claimNewForAttribute(RyName ns, RyName wanted) {
+    if (!wanted.isEmpty() && claimInForce(ofAttributes_, ns, wanted)) return wanted;
     if (ns == RN_NS_xml) return RN_xml;
     if (!wanted.isEmpty() && getNamespace(wanted) == ns) {
         claim(wanted);

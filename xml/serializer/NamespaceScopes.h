@@ -18,10 +18,12 @@ namespace RynCommon {
 /// in force for the namespace, or a generated one. A declaration that no name has used yet gives
 /// way to a name and moves to a generated prefix.
 ///
-/// Every operation takes the same time however many scopes and bindings there are.
+/// Every operation takes the same time however many scopes and bindings there are. Mostly an
+/// element's name comes with the prefix and namespace of the element before, and so do attributes'
+/// names: as long as no binding comes or goes in between, that asks for no look-up at all.
 class NamespaceScopes {
 public:
-    NamespaceScopes() { clear(); }
+    NamespaceScopes();
 
     /// Closes all scopes.
     void clear();
@@ -40,7 +42,9 @@ public:
     /// Namespace bound to `prefix`; the empty name when there is none.
     RyName getNamespace(RyName prefix) const;
     /// The default namespace outside of the innermost scope.
-    RyName getInheritedDefault() const;
+    RyName getInheritedDefault() const {
+        return bindings_.size() <= 1 ? RyName() : findInheritedDefault();
+    }
     /// The latest prefix in force for `ns`, the empty one being the default; absent when there is
     /// none.
     std::optional<RyName> findPrefix(RyName ns) const;
@@ -55,9 +59,13 @@ public:
     void declareExplicitly(RyName prefix, RyName ns);
     /// The prefix under which the current tag's element gets to be in `ns`: `wanted` unless that is
     /// impossible. An empty `ns` takes the default namespace away.
-    RyName claimForElement(RyName ns, RyName wanted);
+    RyName claimForElement(RyName ns, RyName wanted) {
+        return claimAgain(ofElements_, ns, wanted) ? wanted : claimNewForElement(ns, wanted);
+    }
     /// The same for an attribute in a namespace; never empty.
-    RyName claimForAttribute(RyName ns, RyName wanted);
+    RyName claimForAttribute(RyName ns, RyName wanted) {
+        return claimAgain(ofAttributes_, ns, wanted) ? wanted : claimNewForAttribute(ns, wanted);
+    }
     /// The prefix in force for `ns`, or a generated one, for the current tag's element.
     RyName claimAnyForElement(RyName ns);
 
@@ -97,7 +105,26 @@ private:
         std::int32_t latest = NONE;
     };
 
+    /// What was claimed last, and that it was in force then.
+    struct Recent {
+        RyNameEnum ns = RN_EMPTY;
+        RyNameEnum prefix = RN_EMPTY;
+        std::uint64_t change = 0;     // the number of changes to bindings up to then
+        std::uint64_t claimedBy = 0;  // the tag, unless the table knows
+    };
+
+    bool claimAgain(Recent& recent, RyName ns, RyName wanted) {
+        if (recent.ns != ns || recent.prefix != wanted || recent.change != change_) return false;
+        recent.claimedBy = tag_;
+        return true;
+    }
+    bool isClaimedBy(const Recent& recent, RyName prefix) const {
+        return recent.claimedBy == tag_ && recent.prefix == prefix;
+    }
+    RyName claimNewForElement(RyName ns, RyName wanted);
+    RyName claimNewForAttribute(RyName ns, RyName wanted);
     std::int32_t topOf(RyName prefix) const;
+    RyName findInheritedDefault() const;
     bool isInnermost(std::int32_t binding) const;
     bool isClaimed(RyName prefix) const;
     void claim(RyName prefix) { prefixes_[prefix].claimedBy = tag_; }
@@ -105,7 +132,7 @@ private:
     void unbindLast();
     void link(std::int32_t binding);
     void unlink(std::int32_t binding);
-    bool claimInForce(RyName ns, RyName wanted);
+    bool claimInForce(Recent& recent, RyName ns, RyName wanted);
     void take(RyName prefix, RyName ns);
     RyName generatePrefix();
 
@@ -114,6 +141,9 @@ private:
     NumberTable<PrefixState> prefixes_;
     NumberTable<NamespaceState> namespaces_;
     std::uint64_t tag_ = 1;
+    std::uint64_t change_ = 1;
+    Recent ofElements_;
+    Recent ofAttributes_;
     std::int32_t generated_ = 0;   // number of the last plain prefix generated
     std::int32_t firstPlain_ = 0;  // numbers up to this one are not tried any more
     bool plainPrefixes_ = false;

@@ -1,6 +1,7 @@
 // A small hash table from name numbers to plain values.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -15,8 +16,12 @@ namespace RynCommon {
 template <class Value>
 class NumberTable {
 public:
+    /// Keeps a table of the first size, to be filled again.
     void clear() {
-        slots_.clear();
+        if (slots_.size() == FIRST_SIZE)
+            std::fill(slots_.begin(), slots_.end(), Slot{});
+        else
+            slots_.clear();
         count_ = 0;
     }
 
@@ -39,6 +44,8 @@ public:
     }
 
 private:
+    static constexpr std::size_t FIRST_SIZE = 16;
+
     struct Slot {
         RyNameEnum key = RN_EMPTY;
         bool used = false;
@@ -57,7 +64,7 @@ private:
     }
 
     void grow() {
-        std::vector<Slot> old(slots_.empty() ? 16 : 2 * slots_.size());
+        std::vector<Slot> old(slots_.empty() ? FIRST_SIZE : 2 * slots_.size());
         old.swap(slots_);
         for (const Slot& slot : old) {
             if (slot.used) slots_[position(slot.key)] = slot;

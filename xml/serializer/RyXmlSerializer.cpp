@@ -1,6 +1,8 @@
 // What all serializers share: type identity and the generator's text.
 #include <RynCommon/RyXmlSerializer.h>
 
+#include "core/Immortal.h"
+
 // The build passes the project's version.
 #if !defined(RYNCOMMON_VERSION)
 #define RYNCOMMON_VERSION ""
@@ -28,9 +30,18 @@ UnicodeString makeDefaultGenerator() {
     return text.append(sizeof(void*) == 8 ? u", 64 bit)" : u", 32 bit)");
 }
 
+// Made once: a small document is written in not many times the time that this takes.
+const UnicodeString& defaultGenerator() {
+    struct Text : UnicodeString {
+        Text() : UnicodeString(makeDefaultGenerator()) {}
+    };
+    static Immortal<Text> text;
+    return text.get();
+}
+
 }  // namespace
 
-RyXmlSerializer::RyXmlSerializer() : generator_(makeDefaultGenerator()) {}
+RyXmlSerializer::RyXmlSerializer() : generator_(defaultGenerator()) {}
 
 bool RyXmlSerializer::isA(unsigned int id) const {
     return id == getStaticTypeID() || RyRCObject::isA(id);

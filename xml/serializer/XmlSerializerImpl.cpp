@@ -207,10 +207,10 @@ void XmlSerializerImpl::startTag(RyName ns, RyName prefix, RyName localName, boo
     const bool generate = generatePrefix && !ns.isEmpty();
     if (conformant_) checkElementName(ns, generate ? RyName() : prefix, localName);
     closeStartTag();
-    openScope();
+    if (!isScopeOpen_) scopes_.openScope();
     isScopeOpen_ = false;
     scopes_.beginTag();
-    attributeNames_.clear();
+    if (conformant_) attributeNames_.clear();
     const RyName written = claimElementPrefix(ns, prefix, generate);
     elements_.push_back({ns, written, localName});
     writer_.writeName("<", written, localName, "");
@@ -280,7 +280,10 @@ void XmlSerializerImpl::declareByAttribute(RyName localName, RyName ns) {
 void XmlSerializerImpl::closeStartTag(bool empty) {
     if (!isTagPending()) return;
     writeDeclarations();
-    writer_.writeAscii(empty ? "/>" : ">");
+    if (empty)
+        writer_.writeAscii("/>");
+    else
+        writer_.writeAscii(">");
     state_ = empty ? EMPTY_TAG_CLOSED : TAG_CLOSED;
 }
 
@@ -306,6 +309,12 @@ void XmlSerializerImpl::endTag(RyName ns, RyName localName) {
             SYSTEM_END_TAG_MISMATCH, LOCATION_SERIALIZER_END_TAG, given,
             RyXmlUtil::makeQNameStr(open.prefix.toString(), open.localName.toString()));
     }
+    endElement();
+    endContent();
+}
+
+void XmlSerializerImpl::endTag() {
+    checkStream();
     endElement();
     endContent();
 }

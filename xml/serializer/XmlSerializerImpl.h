@@ -17,7 +17,7 @@ namespace RynCommon {
 /// conditions; only when all of them hold does it change or write anything.
 class XmlSerializerImpl final : public RyXmlSerializer {
 public:
-    XmlSerializerImpl() = default;
+    XmlSerializerImpl() { elements_.reserve(16); }
     ~XmlSerializerImpl() override;
     XmlSerializerImpl(const XmlSerializerImpl&) = delete;
     XmlSerializerImpl& operator=(const XmlSerializerImpl&) = delete;
@@ -43,6 +43,8 @@ public:
     /// As the same with the text's string.
     void text(const RyCompactText& text);
     void attribute(RyName ns, RyName prefix, RyName localName, const RyCompactText& value);
+    /// Ends the innermost element, which is open.
+    void endTag();
     void cdsect(const UnicodeString& text) override;
     void entityRef(const UnicodeString& name) override;
     void processingInstruction(const UnicodeString& text) override;

@@ -170,8 +170,8 @@ RyNamedNodeMap* RyElement::getAttributes() const {
     return &attributes();
 }
 
-RyAttr* RyElement::getFirstAttribute() const {
-    return attributes_ != nullptr ? attributes_->first() : nullptr;
+RyAttr* RyElement::firstOfAttributes() const {
+    return attributes_->first();
 }
 
 }  // namespace RynCommon

@@ -152,14 +152,25 @@ private:
 
     void enterElement(const RyElement& element) {
         // The document is the library's own, so that its classes' answers need no virtual call.
-        sink_.start(view(element.RyElement::getNamespaceUri()),
+        sink_.start(namespaceText(element.RyElement::getNamespaceUri()),
                     view(element.RyElement::getLocalName()));
         for (const RyAttr* attr = element.getFirstAttribute(); attr != nullptr;
              attr = attr->getNextAttribute()) {
             const RyName ns = attr->RyAttr::getNamespaceUri();
             if (ns == RN_NS_xmlns) continue;
-            sink_.attr(view(ns), view(attr->RyAttr::getLocalName()), attr->readText(text_));
+            sink_.attr(namespaceText(ns), view(attr->RyAttr::getLocalName()),
+                       attr->readText(text_));
         }
+    }
+
+    /// Names compare by number: the namespace of most nodes is none or that of the node before.
+    std::u16string_view namespaceText(RyName ns) {
+        if (ns.isEmpty()) return {};
+        if (ns != namespace_) {
+            namespace_ = ns;
+            namespaceText_ = view(ns);
+        }
+        return namespaceText_;
     }
 
     const RyNode* following(const RyNode& from, const RyNode& root) {
@@ -174,6 +185,8 @@ private:
 
     Sink& sink_;
     RyTextBuffer text_;  // reused for every text and value
+    RyName namespace_;
+    std::u16string_view namespaceText_;
 };
 
 struct Tree : xb::TreeAdapter<Tree, RyPtr<RyDocument>> {

@@ -1,9 +1,12 @@
 // Saving: round trips, options, compound attributes, piecewise output, errors; and very deep trees.
+#include <RynCommon/RyNameTable.h>
 #include <RynCommon/RyNamedValue.h>
 
+#include <cstdlib>
 #include <new>
 #include <sstream>
 #include <streambuf>
+#include <thread>
 
 #include "tests/xml/tree/TreeFixture.h"
 
@@ -28,6 +31,40 @@ TEST(RyDocumentSaving, TreesComeBack) {
     for (const auto& row : rows) {
         EXPECT_EQ(savedXml(*documentOf(row.xml)), row.saved != nullptr ? row.saved : row.xml);
     }
+}
+
+/// Serializers hand encoded names on, but not beyond the table of names. In a process of its own,
+/// since the others go on with their names.
+TEST(RyDocumentSavingDeathTest, KnownNamesEndWithTheTable) {
+    const auto saveWithoutTable = [] {
+        // Now both tables give the same numbers.
+        RynCommon::RyNameTable::cleanup();
+        for (const char* const xml : {"<one-a two-b=\"1\"/>", "<two-b one-a=\"1\"/>"})
+            EXPECT_EQ(savedXml(*documentOf(xml)), xml);
+        RynCommon::RyNameTable::cleanup();
+        const char* const xml = "<three-c two-b=\"1\"><one-a/></three-c>";
+        EXPECT_EQ(savedXml(*documentOf(xml)), xml);
+        std::exit(testing::Test::HasFailure() ? 1 : 0);
+    };
+    EXPECT_EXIT(saveWithoutTable(), testing::ExitedWithCode(0), "");
+}
+
+TEST(RyDocumentSaving, ThreadsSaveAtTheSameTime) {
+    const auto save = [](const char16_t* encoding, const char* expected) {
+        for (int i = 0; i < 300; ++i) {
+            const RyPtr<RyDocument> document =
+                documentOf("<p:\u65E5 xmlns:p=\"u\"><a/></p:\u65E5>");
+            std::ostringstream out;
+            document->save(out, document->getDocumentElement(), encoding);
+            const std::string all = out.str();
+            const std::size_t start = all.find("<p:");
+            ASSERT_NE(start, std::string::npos);
+            ASSERT_EQ(all.substr(start), expected) << i;
+        }
+    };
+    std::thread other(save, u"Shift_JIS", "<p:\x93\xFA xmlns:p=\"u\"><a/></p:\x93\xFA>");
+    save(u"UTF-8", "<p:\u65E5 xmlns:p=\"u\"><a/></p:\u65E5>");
+    other.join();
 }
 
 TEST(RyDocumentSaving, OptionsAndParts) {

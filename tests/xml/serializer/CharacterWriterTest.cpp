@@ -5,8 +5,10 @@
 
 #include <unicode/ucnv.h>
 
+#include <memory>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace RynCommon {
 namespace {
@@ -206,6 +208,28 @@ TEST(CharacterWriterTest, NamesAreTheSameEachTime) {
     EXPECT_EQ(written.name(RyName(), day), "<\u65E5>");
     written.setShiftJis(true);
     EXPECT_EQ(written.name(RyName(), day), "<\x93\xFA>");
+}
+
+// Writers hand their memory on: one after the other, and more at a time than memories are kept.
+TEST(CharacterWriterTest, NamesOfAnotherWriterAreInItsEncodingOnly) {
+    const RyName prefix(UnicodeString(u"p"));
+    const RyName day(UnicodeString(u"\u65E5"));
+    const RyName accented(UnicodeString(u"\u00E9"));
+    for (const bool shiftJis : {false, true, true, false, false}) {
+        Written written(shiftJis);
+        written(UnicodeString(), ESCAPE_NONE);
+        EXPECT_EQ(written.name(prefix, day), shiftJis ? "<p:\x93\xFA>" : "<p:\u65E5>");
+        EXPECT_EQ(written.name(RyName(), accented), shiftJis ? "<&#233;>" : "<\u00E9>");
+    }
+    for (int round = 0; round < 2; ++round) {
+        std::vector<std::unique_ptr<Written>> writers;
+        for (int i = 0; i < 7; ++i) {
+            writers.push_back(std::make_unique<Written>(i % 2 == round));
+            (*writers.back())(UnicodeString(), ESCAPE_NONE);
+        }
+        for (int i = 0; i < 7; ++i)
+            EXPECT_EQ(writers[i]->name(RyName(), day), i % 2 == round ? "<\x93\xFA>" : "<\u65E5>");
+    }
 }
 
 }  // namespace

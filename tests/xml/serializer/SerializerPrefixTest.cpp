@@ -63,6 +63,20 @@ TEST(SerializerPrefixTest, TagsAndPrefixes) {
         {"xml is never declared",
          calls("<a @lang@xml=de @q:space@xml=preserve @xmlns:xml@xmlns=urn:1 @xml:a@1=1"),
          "<a xml:lang=\"de\" xml:space=\"preserve\" -N*:a=\"1\" xmlns:-N*=\"urn:1\">"},
+        {"a prefix that means something else from tag to tag",
+         calls("+p@1 <p:a@1 <p:b@1 <p:c@2 <p:d@2 /d@2 /c@2 <p:e@1 /e@1 /b@1 <p:f@2"),
+         "<p:a xmlns:p=\"urn:1\"><p:b><p:c xmlns:p=\"urn:2\"><p:d/></p:c><p:e/></p:b>"
+         "<p:f xmlns:p=\"urn:2\">"},
+        {"every name of a tag keeps its prefix, also as in the tag before",
+         calls("+p@1 +q@2 +r@3 <p:a@1 <p:b@1 @q:a@2=1 /b@1 <p:b@1 @q:a@2=1 @r:b@3=2 @q:c@4=3 "
+               "@p:d@4=4 @r:e@5=5"),
+         "<p:a xmlns:p=\"urn:1\" xmlns:q=\"urn:2\" xmlns:r=\"urn:3\"><p:b q:a=\"1\"/>"
+         "<p:b q:a=\"1\" r:b=\"2\" -N*:c=\"3\" -N*:d=\"4\" -N*:e=\"5\" xmlns:-N*=\"urn:4\" "
+         "xmlns:-N*=\"urn:5\">"},
+        {"but the next tag is free again",
+         calls("+p@1 +q@2 <p:a@1 @q:a@2=1 <p:b@1 @q:a@2=1 /b@1 <q:b@3 @p:a@2=1"),
+         "<p:a q:a=\"1\" xmlns:p=\"urn:1\" xmlns:q=\"urn:2\"><p:b q:a=\"1\"/>"
+         "<q:b p:a=\"1\" xmlns:q=\"urn:3\" xmlns:p=\"urn:2\">"},
         {"a prefix without a namespace is written", calls("<p:a @q:b=1"), "<p:a q:b=\"1\">"},
     };
     for (const Case& row : cases)
