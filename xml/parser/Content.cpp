@@ -52,7 +52,7 @@ void XmlParserImpl::readText() {
             scanner().look(stop + 1);
             return;
         }
-        if (stop != begin) text_.append(begin, 0, static_cast<std::int32_t>(stop - begin));
+        text_.append(begin, static_cast<std::size_t>(stop - begin));
         scanner().moveTo(stop);
         if (stop == end) {
             if (!scanner().more()) return;
@@ -68,7 +68,7 @@ void XmlParserImpl::readText() {
 /// A run of "]", which must not stand before ">" when it is longer than one.
 void XmlParserImpl::readClosingBrackets() {
     const std::int32_t count = core_.readRunOf(u']');
-    for (std::int32_t i = 0; i < count; ++i) text_.append(u']');
+    text_.append(u']', static_cast<std::size_t>(count));
     if (count < 2 || scanner().peek() != u'>') return;
     scanner().skip();
     text_.append(u'>');
@@ -99,12 +99,15 @@ bool XmlParserImpl::readReference(bool expand) {
         std::uint32_t c;
         if (!core_.readCharacterReference(c)) return false;
         if (inside)
-            text_.append(static_cast<UChar32>(c));
+            text_.appendCodePoint(static_cast<UChar32>(c));
         else
             topLevelError(describeCharacter(static_cast<UChar32>(c)));
         return inside;
     }
-    if (inside && expand && core_.readPredefined(text_)) return true;
+    if (char16_t character; inside && expand && core_.readPredefined(character)) {
+        text_.append(character);
+        return true;
+    }
     RyName name;
     if (!core_.readEntityName(u'&', name)) return false;
     if (!inside) {
@@ -112,7 +115,9 @@ bool XmlParserImpl::readReference(bool expand) {
         return false;
     }
     if (expand) {
-        core_.expandGeneral(name, text_, true);
+        std::u16string_view characters;
+        if (core_.expandGeneral(name, characters, true) == ParserCore::Expansion::TEXT)
+            text_.append(characters);
         return true;
     }
     entityName_ = name;
@@ -122,7 +127,7 @@ bool XmlParserImpl::readReference(bool expand) {
 // Markup.
 
 /// Behind "<?". False for the XML declaration, which is no event.
-bool XmlParserImpl::readInstruction(UnicodeString* sink) {
+bool XmlParserImpl::readInstruction(TextBuffer* sink) {
     const EventType before = core_.event;
     if (scanner().peek() != Scanner::END && isXmlSpace(static_cast<char16_t>(scanner().peek()))) {
         core_.event = PROCESSING_INSTRUCTION;
@@ -148,13 +153,16 @@ bool XmlParserImpl::readInstruction(UnicodeString* sink) {
     const int c = scanner().peek();
     if (c != Scanner::END && !isXmlSpace(static_cast<char16_t>(c)))
         core_.error(PARSE_MISSING_PI_SPACE, target);
-    if (sink != nullptr) *sink = target;
+    if (sink != nullptr) {
+        sink->clear();
+        sink->append(target.getBuffer(), static_cast<std::size_t>(target.length()));
+    }
     core_.readInstructionRest(sink);
     return true;
 }
 
 /// Behind "<!". False when there is no event.
-bool XmlParserImpl::readMarkup(UnicodeString* sink) {
+bool XmlParserImpl::readMarkup(TextBuffer* sink) {
     if (scanner().accept(u'[')) return readCdata();
     if (scanner().accept(u'-')) {
         core_.event = COMMENT;
@@ -175,7 +183,7 @@ bool XmlParserImpl::readMarkup(UnicodeString* sink) {
     readDoctype();
     if (sink == nullptr) return true;
     scanner().stopCapture();
-    if (sink->endsWith(UnicodeString(u'>'))) sink->truncate(sink->length() - 1);
+    sink->dropLast(u'>');
     return true;
 }
 
@@ -188,7 +196,7 @@ bool XmlParserImpl::readCdata() {
     }
     const bool inside = namespaces_.depth() > 0;
     if (!inside) topLevelError(UnicodeString(u"<![CDATA["));
-    UnicodeString* const target = inside ? &text_ : nullptr;
+    TextBuffer* const target = inside ? &text_ : nullptr;
     for (;;) {
         if (!core_.readUpTo(u']', target)) {
             core_.error(PARSE_UNENDED_CDATA);
@@ -197,7 +205,7 @@ bool XmlParserImpl::readCdata() {
         std::int32_t brackets = core_.readRunOf(u']');
         const bool ended = brackets >= 2 && scanner().accept(u'>');
         if (ended) brackets -= 2;
-        for (; target != nullptr && brackets > 0; --brackets) target->append(u']');
+        if (target != nullptr) target->append(u']', static_cast<std::size_t>(brackets));
         if (ended) return inside;
     }
 }

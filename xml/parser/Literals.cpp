@@ -65,9 +65,15 @@ void ParserCore::readAttributeReference(UnicodeString& value) {
         if (readCharacterReference(c)) value.append(static_cast<UChar32>(c));
         return;
     }
-    if (readPredefined(value)) return;
+    if (char16_t character; readPredefined(character)) {
+        value.append(character);
+        return;
+    }
     RyName name;
-    if (readEntityName(u'&', name)) expandGeneral(name, value, false);
+    std::u16string_view characters;
+    if (!readEntityName(u'&', name)) return;
+    if (expandGeneral(name, characters, false) == Expansion::TEXT)
+        value.append(characters.data(), 0, static_cast<std::int32_t>(characters.size()));
 }
 
 bool ParserCore::readEntityValue(UnicodeString& value) {
@@ -104,11 +110,15 @@ bool ParserCore::readPlainLiteral(UnicodeString& value) {
     value.remove();
     char16_t quote;
     if (!openQuote(quote)) return false;
-    if (readUpTo(quote, &value))
+    TextBuffer literal;
+    const bool isEnded = readUpTo(quote, &literal);
+    const std::u16string_view units = literal.units();
+    value.setTo(units.data(), static_cast<std::int32_t>(units.size()));
+    requireWhole(value);
+    if (isEnded)
         scanner.skip();
     else
         error(PARSE_UNENDED_LITERAL, UnicodeString(quote));
-    requireWhole(value);
     return true;
 }
 

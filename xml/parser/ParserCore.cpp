@@ -95,12 +95,12 @@ RyNameEnum ParserCore::keyword(const Scanner::Name& name) {
 
 // Markup.
 
-bool ParserCore::readUpTo(char16_t unit, UnicodeString* sink) {
+bool ParserCore::readUpTo(char16_t unit, TextBuffer* sink) {
     for (;;) {
         if (scanner.cursor() == scanner.limit() && !scanner.more()) return false;
         const char16_t* const begin = scanner.cursor();
         const char16_t* const p = findUnit(begin, scanner.limit(), unit);
-        if (sink != nullptr) sink->append(begin, 0, static_cast<std::int32_t>(p - begin));
+        if (sink != nullptr) sink->append(begin, static_cast<std::size_t>(p - begin));
         scanner.moveTo(p);
         if (p != scanner.limit()) return true;
     }
@@ -114,16 +114,15 @@ std::int32_t ParserCore::readRunOf(char16_t unit) {
 
 namespace {
 
-void appendRun(UnicodeString* sink, char16_t unit, std::int32_t count) {
-    if (sink == nullptr) return;
-    for (; count > 0; --count) sink->append(unit);
+void appendRun(TextBuffer* sink, char16_t unit, std::int32_t count) {
+    if (sink != nullptr && count > 0) sink->append(unit, static_cast<std::size_t>(count));
 }
 
 }  // namespace
 
 /// Up to "-->". Two hyphens before anything else are reported and belong to the text; of a longer
 /// run the last two may still end the comment.
-void ParserCore::readCommentRest(UnicodeString* sink) {
+void ParserCore::readCommentRest(TextBuffer* sink) {
     while (readUpTo(u'-', sink)) {
         scanner.skip();
         if (!scanner.accept(u'-')) {
@@ -141,7 +140,7 @@ void ParserCore::readCommentRest(UnicodeString* sink) {
     error(PARSE_UNENDED_COMMENT);
 }
 
-void ParserCore::readInstructionRest(UnicodeString* sink) {
+void ParserCore::readInstructionRest(TextBuffer* sink) {
     while (readUpTo(u'?', sink)) {
         const std::int32_t marks = readRunOf(u'?');
         const bool ended = scanner.accept(u'>');

@@ -70,16 +70,16 @@ public:
     /// Reads a character reference; false after an error.
     bool readCharacterReference(std::uint32_t& codePoint);
     /// Reads one of the entities that XML itself declares, where it stands whole in the window and
-    /// nothing else can be meant, and appends its character.
-    bool readPredefined(UnicodeString& text);
+    /// nothing else can be meant.
+    bool readPredefined(char16_t& character);
     /// Reads the name of an entity and its ";"; false after an error. `sign` is "&" or "%".
     bool readEntityName(char16_t sign, RyName& name);
     /// Where a reference to a general entity leads.
     enum class Expansion { TEXT, INPUT, NOTHING };
-    /// Resolves a general entity: appends its characters to `text` where they need no reading
-    /// (predefined and MathML entities), or pushes its replacement on the inputs. External entities
-    /// only where they are allowed; all that cannot be resolved is error 7710.
-    Expansion expandGeneral(RyName name, UnicodeString& text, bool externalAllowed);
+    /// Resolves a general entity: gives its characters where they need no reading (predefined and
+    /// MathML entities), or pushes its replacement on the inputs. External entities only where they
+    /// are allowed; all that cannot be resolved is error 7710.
+    Expansion expandGeneral(RyName name, std::u16string_view& characters, bool externalAllowed);
     /// Resolves a parameter entity, its replacement padded with blanks where it stands between
     /// tokens.
     void expandParameter(RyName name, bool padded);
@@ -99,10 +99,10 @@ public:
     bool readPlainLiteral(UnicodeString& value);
 
     // Markup that stands anywhere; what opens it has been read. `sink` may be null.
-    void readCommentRest(UnicodeString* sink);
-    void readInstructionRest(UnicodeString* sink);
+    void readCommentRest(TextBuffer* sink);
+    void readInstructionRest(TextBuffer* sink);
     /// Reads up to `unit`, which is not read; false at the end of input.
-    bool readUpTo(char16_t unit, UnicodeString* sink);
+    bool readUpTo(char16_t unit, TextBuffer* sink);
     /// Reads a run of `unit` and returns its length.
     std::int32_t readRunOf(char16_t unit);
 
@@ -148,6 +148,7 @@ private:
 
     WindowUser& user_;
     std::uint64_t expanded_ = 0;
+    char16_t predefined_ = 0;  // what expandGeneral() gave last
 };
 
 }  // namespace RynCommon

@@ -85,7 +85,7 @@ bool ParserCore::readCharacterReference(std::uint32_t& codePoint) {
     return true;
 }
 
-bool ParserCore::readPredefined(UnicodeString& text) {
+bool ParserCore::readPredefined(char16_t& character) {
     static constexpr struct {
         const char16_t* name;
         std::size_t length;
@@ -102,7 +102,7 @@ bool ParserCore::readPredefined(UnicodeString& text) {
         if (!equalUnits(begin, entity.name, entity.length)) continue;
         scanner.moveTo(begin + entity.length);
         countExpansion(1);
-        text.append(entity.character);
+        character = entity.character;
         return true;
     }
     return false;
@@ -121,13 +121,14 @@ bool ParserCore::readEntityName(char16_t sign, RyName& name) {
     return false;
 }
 
-ParserCore::Expansion ParserCore::expandGeneral(RyName name, UnicodeString& text,
+ParserCore::Expansion ParserCore::expandGeneral(RyName name, std::u16string_view& characters,
                                                 bool externalAllowed) {
     EntityDeclaration* const entity = generalEntities.find(name);
     if (entity == nullptr) {
         if (const char16_t character = predefinedEntity(name)) {
             countExpansion(1);
-            text.append(character);
+            predefined_ = character;
+            characters = {&predefined_, 1};
             return Expansion::TEXT;
         }
         std::int32_t length = 0;
@@ -143,7 +144,7 @@ ParserCore::Expansion ParserCore::expandGeneral(RyName name, UnicodeString& text
             return Expansion::NOTHING;
         }
         countExpansion(length);
-        text.append(replacement, 0, length);
+        characters = {replacement, static_cast<std::size_t>(length)};
         return Expansion::TEXT;
     }
     const bool external = entity->kind == EntityDeclaration::Kind::EXTERNAL;

@@ -259,8 +259,8 @@ void Scanner::collectName() {
 
 // Capturing.
 
-void Scanner::startCapture(UnicodeString& text) {
-    text.remove();
+void Scanner::startCapture(TextBuffer& text) {
+    text.clear();
     capture_ = &text;
     captureDepth_ = depth_;
     captureFrom_ = cur_;
@@ -268,7 +268,7 @@ void Scanner::startCapture(UnicodeString& text) {
 
 void Scanner::flushCapture() {
     if (captureFrom_ != nullptr && cur_ > captureFrom_)
-        capture_->append(captureFrom_, 0, static_cast<std::int32_t>(cur_ - captureFrom_));
+        capture_->append(captureFrom_, static_cast<std::size_t>(cur_ - captureFrom_));
 }
 
 void Scanner::stopCapture() {

@@ -12,6 +12,7 @@
 #include "core/UnitScan.h"
 #include "xml/input/TextInput.h"
 #include "xml/parser/CharClass.h"
+#include "xml/parser/TextBuffer.h"
 
 namespace RynCommon {
 
@@ -160,7 +161,7 @@ public:
     }
 
     // Capturing the text of a declaration as it stands in the document.
-    void startCapture(UnicodeString& text);
+    void startCapture(TextBuffer& text);
     void stopCapture();
 
 private:
@@ -199,7 +200,7 @@ private:
     UnicodeString collected_;  // a name that crosses windows
     std::size_t longestName_ = SIZE_MAX;
     std::uint64_t unitsOfClosedInputs_ = 0;
-    UnicodeString* capture_ = nullptr;
+    TextBuffer* capture_ = nullptr;
     std::size_t captureDepth_ = 0;
     const char16_t* captureFrom_ = nullptr;
 };

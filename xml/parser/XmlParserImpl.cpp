@@ -81,7 +81,7 @@ void XmlParserImpl::resetDocument() {
     namespaces_.reset();
     attributes_.clear();
     defaults_.clear();
-    text_.remove();
+    text_.clear();
     dropPlainText();
     entityName_ = RyName();
     token_ = Token::NONE;
@@ -133,7 +133,7 @@ void XmlParserImpl::releaseBuffers() {
     noName_.successor = nullptr;
     lastName_ = &noName_;
     attributes_ = AttributeList();
-    text_ = UnicodeString();
+    text_.release();
     dropPlainText();
     token_ = Token::NONE;
     isPrepared_ = false;
@@ -170,9 +170,7 @@ void XmlParserImpl::start() {
 template <class Read>
 RyXmlParser::EventType XmlParserImpl::guarded(Read read) {
     try {
-        const EventType event = read();
-        requireWhole(text_);
-        return event;
+        return read();
     } catch (const RyError&) {
         failed_ = true;
         throw;
@@ -244,7 +242,7 @@ bool XmlParserImpl::prepare() {
         default:
             break;
     }
-    if (!text_.isEmpty()) text_.remove();
+    text_.clear();
     dropPlainText();
     entityName_ = RyName();
     if (!started_) start();
@@ -320,7 +318,7 @@ RyXmlParser::EventType XmlParserImpl::mergedEvent() {
             case Token::TEXT:
                 token_ = Token::NONE;
                 readTextOrSpace();
-                if (core_.event == IGNORABLE_WHITESPACE) text_.remove();
+                if (core_.event == IGNORABLE_WHITESPACE) text_.clear();
                 break;
             case Token::REFERENCE:
                 token_ = Token::NONE;
@@ -371,7 +369,8 @@ bool XmlParserImpl::readToken(Token token) {
 void XmlParserImpl::windowLeaves() {
     attributes_.ownValues();
     if (!hasPlainText()) return;
-    text_ = takeWhole(UnicodeString(plain_.data(), static_cast<std::int32_t>(plain_.size())));
+    text_.clear();
+    text_.append(plain_);
     dropPlainText();
 }
 
@@ -428,9 +427,10 @@ bool XmlParserImpl::isWhitespace() const {
 }
 
 const UnicodeString& XmlParserImpl::getText() const {
-    if (!hasPlainText()) return text_;
-    if (!isAliased_) alias_.setTo(false, plain_.data(), static_cast<std::int32_t>(plain_.size()));
-    isAliased_ = true;
+    const std::u16string_view units = textUnits();
+    const auto length = static_cast<std::int32_t>(units.size());
+    if (alias_.length() != length || alias_.getBuffer() != units.data())
+        alias_.setTo(false, units.data(), length);
     return alias_;
 }
 

@@ -71,7 +71,7 @@ public:
     Scanner::Position position() const { return core_.scanner.position(); }
     std::u16string_view textUnits() const {
         if (hasPlainText()) return plain_;
-        return {text_.getBuffer(), static_cast<std::size_t>(text_.length())};
+        return text_.units();
     }
 
 private:
@@ -127,18 +127,15 @@ private:
 
     void windowLeaves() override;
     bool hasPlainText() const { return plain_.data() != nullptr; }
-    void dropPlainText() {
-        plain_ = {};
-        isAliased_ = false;
-    }
+    void dropPlainText() { plain_ = {}; }
 
     // Content (Content.cpp).
     void readText();
     void readTopLevelText();
     void readTextOrSpace();
     bool readReference(bool expand);
-    bool readInstruction(UnicodeString* sink);
-    bool readMarkup(UnicodeString* sink);
+    bool readInstruction(TextBuffer* sink);
+    bool readMarkup(TextBuffer* sink);
     bool readCdata();
     void readClosingBrackets();
     void topLevelError(const UnicodeString& text);
@@ -196,10 +193,9 @@ private:
     NamespaceManager namespaces_;
     AttributeList attributes_;
     AttributeDefaults defaults_;
-    UnicodeString text_;         // gathered from several places
-    std::u16string_view plain_;  // a text that stands in the window as it is; else without data
-    mutable bool isAliased_ = false;  // alias_ shows the units of plain_
-    mutable UnicodeString alias_;
+    TextBuffer text_;              // gathered from several places
+    std::u16string_view plain_;    // a text that stands in the window as it is; else without data
+    mutable UnicodeString alias_;  // shows the units of the text
     RyName entityName_;
     Token token_ = Token::NONE;
     bool isPrepared_ = false;  // the event before has been left behind
