@@ -3,13 +3,9 @@
 
 namespace RynCommon {
 
-RyObjectBase::~RyObjectBase() = default;
-
 bool RyObjectBase::isA(unsigned int id) const {
     return id == RyObjectBase::getStaticTypeID();
 }
-
-RyRCObject::~RyRCObject() = default;
 
 bool RyRCObject::isA(unsigned int id) const {
     return id == RyRCObject::getStaticTypeID() || RyObjectBase::isA(id);

@@ -14,8 +14,6 @@ class AttrNodeMap;
 /// no parent and no siblings. New ones have the null value.
 class RYNCOMMON_API RyAttr : public RyNode {
 public:
-    ~RyAttr() override;
-
     static unsigned int getStaticTypeID() { return 0xC5B6A2E2u; }
     unsigned int getTypeID() const override;
     bool isA(unsigned int id) const override;
@@ -101,7 +99,9 @@ public:
 /// An element: a name, attributes and children.
 class RYNCOMMON_API RyElement : public RyNode {
 public:
-    ~RyElement() override;
+    ~RyElement() override {
+        if (attributes_ != nullptr) releaseAttributes();
+    }
 
     static unsigned int getStaticTypeID() { return 0xD31942AAu; }
     unsigned int getTypeID() const override;
@@ -170,6 +170,7 @@ protected:
 
 private:
     AttrNodeMap& attributes() const;
+    void releaseAttributes();
     RyAttr* firstOfAttributes() const;
 
     std::int32_t line_ = -1;

@@ -42,7 +42,9 @@ public:
         FLAG_COMPLEMENTAL = 2  ///< put into the tree, stands for no parsed element
     };
 
-    ~RyNode() override;
+    ~RyNode() override {
+        if (last_ != nullptr) releaseChildren();
+    }
     /// Nodes lie many to a block of memory, which the last of them gives back.
     static void* operator new(std::size_t size);
     static void operator delete(void* node, std::size_t size) noexcept;
@@ -210,6 +212,7 @@ private:
     friend class NodeLinks;
     friend class PlainTree;
 
+    void releaseChildren();
     RyDocument* factory() const;
     void checkNewChild(const RyNode* newChild, int location) const;
 

@@ -13,7 +13,7 @@ namespace RynCommon {
 /// interface.
 class RYNCOMMON_API RyObjectBase {
 public:
-    virtual ~RyObjectBase();
+    virtual ~RyObjectBase() = default;
 
     static unsigned int getStaticTypeID() { return 0xA4EBD8C4u; }
     /// Identifier of the object's own class.
@@ -34,7 +34,7 @@ protected:
 /// nothing else here is synchronised.
 class RYNCOMMON_API RyRCObject : public RyObjectBase {
 public:
-    ~RyRCObject() override;
+    ~RyRCObject() override = default;
 
     static unsigned int getStaticTypeID() { return 0x90AF0240u; }
     bool isA(unsigned int id) const override;

@@ -9,8 +9,6 @@ namespace RynCommon {
 /// A run of text.
 class RYNCOMMON_API RyTextNode : public RyNode {
 public:
-    ~RyTextNode() override;
-
     static unsigned int getStaticTypeID() { return 0x92151179u; }
     unsigned int getTypeID() const override;
     bool isA(unsigned int id) const override;

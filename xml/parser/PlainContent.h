@@ -6,8 +6,8 @@
 // does not understand to the end: at a reference, a comment, a new name, a declaration, an error,
 // the window's end it stops before the construct, with the parser as it is when next() has just
 // left the event before behind, and next() takes it from there. So everything is decided in one
-// place still, and this one only recognises what needs no decision. A tree of tiny elements loads
-// in half of the time that events take.
+// place still, and this one only recognises what needs no decision. Trees of tiny elements load in
+// two thirds of the time that an event for each part takes, formatting objects in four fifths.
 #pragma once
 
 #include <array>

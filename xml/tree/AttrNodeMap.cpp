@@ -22,12 +22,11 @@ UnicodeString RyNamedNodeMap::getTypeName() const {
 
 AttrNodeMap::~AttrNodeMap() {
     if (hasIndex()) delete index_;
-    while (last_ != nullptr) {
-        RyAttr* const attr = static_cast<RyAttr*>(last_);
-        NodeLinks::unlink(last_, *attr);
-        attr->map_ = nullptr;
-        attr->release();
-    }
+    NodeLinks::takeApart(last_, [](RyNode& node) {
+        RyAttr& attr = static_cast<RyAttr&>(node);
+        attr.map_ = nullptr;
+        attr.release();
+    });
 }
 
 template <class Test>

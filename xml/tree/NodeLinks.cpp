@@ -58,8 +58,12 @@ void NodeLinks::releaseChildren(RyNode& top) {
         RyNode* const child = at->last_;
         if (child != nullptr) {
             fetchBehind(child);
-            unlink(*at, *child);
+            unlinkLast(*at, *child);
             if (child->removeRef() >= 1) continue;
+            if (child->last_ == nullptr) {
+                delete child;
+                continue;
+            }
             // A dying node's children go first; its parent link is the way back from them.
             child->parent_ = at;
             at = child;

@@ -9,6 +9,8 @@
 
 #include <RynCommon/RyNode.h>
 
+#include <utility>
+
 namespace RynCommon {
 
 class NodeLinks {
@@ -28,6 +30,19 @@ public:
     static void replace(RyNode*& last, RyNode& node, RyNode& old);
     static void unlink(RyNode*& last, RyNode& node);
     static RyNode* next(const RyNode& node) { return node.next_; }
+    /// Frees all nodes of a ring, first to last, and gives each to `take`. The ring is empty before
+    /// the first is given.
+    template <class Take>
+    static void takeApart(RyNode*& last, Take take) {
+        RyNode* const end = std::exchange(last, nullptr);
+        RyNode* node = end != nullptr ? end->next_ : nullptr;
+        while (node != nullptr) {
+            RyNode* const next = node != end ? node->next_ : nullptr;
+            node->next_ = node->previous_ = nullptr;
+            take(*node);
+            node = next;
+        }
+    }
 
     // The same on the children of a parent.
     static void linkLast(RyNode& parent, RyNode& child) {
@@ -46,6 +61,12 @@ public:
     static void unlink(RyNode& parent, RyNode& child) {
         unlink(parent.last_, child);
         child.parent_ = nullptr;
+    }
+    /// `child` is the last.
+    static void unlinkLast(RyNode& parent, RyNode& child) {
+        parent.last_ = child.previous_;
+        if (child.previous_ != nullptr) child.previous_->next_ = child.next_;
+        child.next_ = child.previous_ = child.parent_ = nullptr;
     }
 
     /// Releases the children of a node that is being destroyed, and with each that dies all below

@@ -6,8 +6,6 @@
 
 namespace RynCommon {
 
-RyAttr::~RyAttr() = default;
-
 unsigned int RyAttr::getTypeID() const {
     return getStaticTypeID();
 }

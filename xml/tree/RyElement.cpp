@@ -19,8 +19,7 @@ RyPtr<To> castPtr(RyPtr<From> from) {
 
 }  // namespace
 
-RyElement::~RyElement() {
-    if (attributes_ == nullptr) return;
+void RyElement::releaseAttributes() {
     attributes_->forgetElement();
     attributes_->release();
 }

@@ -36,8 +36,8 @@ inline void loadUntil(const RyNode& node, Known isKnown) {
 
 }  // namespace
 
-RyNode::~RyNode() {
-    if (last_ != nullptr) NodeLinks::releaseChildren(*this);
+void RyNode::releaseChildren() {
+    NodeLinks::releaseChildren(*this);
 }
 
 void* RyNode::operator new(std::size_t size) {

@@ -6,8 +6,6 @@
 
 namespace RynCommon {
 
-RyTextNode::~RyTextNode() = default;
-
 unsigned int RyTextNode::getTypeID() const {
     return getStaticTypeID();
 }
