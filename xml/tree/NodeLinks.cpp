@@ -1,24 +1,7 @@
 // The sibling ring.
 #include "xml/tree/NodeLinks.h"
 
-#include <cstdint>
-
 namespace RynCommon {
-
-namespace {
-
-/// Asks for the memory that dies soon. A loaded tree lies in memory in document order and dies
-/// against it, and waiting for the next node is most of what that costs.
-void fetchBehind([[maybe_unused]] const RyNode* node) {
-#if defined(__GNUC__)
-    constexpr std::uintptr_t DISTANCE = 2048, CACHE_LINE = 64;
-    const auto behind = reinterpret_cast<std::uintptr_t>(node) - DISTANCE;
-    __builtin_prefetch(reinterpret_cast<const void*>(behind), 1);
-    __builtin_prefetch(reinterpret_cast<const void*>(behind + CACHE_LINE), 1);
-#endif
-}
-
-}  // namespace
 
 void NodeLinks::linkBefore(RyNode*& last, RyNode& node, RyNode& reference) {
     node.next_ = &reference;

@@ -9,6 +9,7 @@
 
 #include <RynCommon/RyNode.h>
 
+#include <cstdint>
 #include <utility>
 
 namespace RynCommon {
@@ -38,6 +39,7 @@ public:
         RyNode* node = end != nullptr ? end->next_ : nullptr;
         while (node != nullptr) {
             RyNode* const next = node != end ? node->next_ : nullptr;
+            fetchBehind(node);
             node->next_ = node->previous_ = nullptr;
             take(*node);
             node = next;
@@ -75,6 +77,18 @@ public:
     /// Frees every node below `top`, also below those that others hold, and releases it. Returns
     /// the number destroyed.
     static int dismantle(RyNode& top);
+
+private:
+    /// Asks for the memory that dies soon. A loaded tree lies in memory in document order and dies
+    /// against it, and waiting for the next node is most of what that costs.
+    static void fetchBehind([[maybe_unused]] const RyNode* node) {
+#if defined(__GNUC__)
+        constexpr std::uintptr_t DISTANCE = 2048, CACHE_LINE = 64;
+        const auto behind = reinterpret_cast<std::uintptr_t>(node) - DISTANCE;
+        __builtin_prefetch(reinterpret_cast<const void*>(behind), 1);
+        __builtin_prefetch(reinterpret_cast<const void*>(behind + CACHE_LINE), 1);
+#endif
+    }
 };
 
 }  // namespace RynCommon
