@@ -68,21 +68,14 @@ KERNEL(widenLatin1, 1, widenLatin1(r.data(), r.size(), r.unitsOut.data()), 0);
 KERNEL(copyPassing, 1, copyPassing(r.data(), r.size(), TEXT_SET, r.bytesOut.data()));
 KERNEL(narrowPassing, 2, narrowPassing(r.begin(), r.size(), TEXT_SET, r.bytesOut.data()));
 
-/// A run of ideographs in both forms, with room for either.
-struct ThreeByteRuns {
-    explicit ThreeByteRuns(std::size_t length)
-        : units(length, u'\u65E5'), unitsOut(length, u'\0'), bytesOut(3 * length + 4, '\0') {
+/// Ideographs in both forms, with room for either.
+struct ThreeByteRuns : Runs {
+    explicit ThreeByteRuns(std::size_t length) : Runs(length) {
+        units.assign(length, u'\u65E5');
+        bytes.clear();
         for (std::size_t i = 0; i < length; ++i) bytes += "\xE6\x97\xA5";
+        bytesOut.resize(3 * length + 4);
     }
-
-    const std::uint8_t* data() const { return reinterpret_cast<const std::uint8_t*>(bytes.data()); }
-    std::uint8_t* room() { return reinterpret_cast<std::uint8_t*>(bytesOut.data()); }
-    std::size_t size() const { return units.size(); }
-
-    std::u16string units;
-    std::string bytes;
-    std::u16string unitsOut;
-    std::string bytesOut;
 };
 
 KERNEL_OVER(ThreeByteRuns, decodeThreeByteRun, 3,

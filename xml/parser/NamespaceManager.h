@@ -29,6 +29,11 @@ public:
 
     /// No element and no binding.
     void reset();
+    /// The same, and frees the memory of elements.
+    void release() {
+        reset();
+        blocks_.clear();
+    }
 
     /// Opens an element; bind() then declares on it.
     void push(const CachedName& name) {

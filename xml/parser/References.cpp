@@ -6,7 +6,7 @@
 // reference to an open entity is an undefined one.
 #include <algorithm>
 
-#include "core/ShortScan.h"
+#include "core/NameTable.h"
 #include "xml/names/MathMLEntities.h"
 #include "xml/parser/ParserCore.h"
 
@@ -86,26 +86,18 @@ bool ParserCore::readCharacterReference(std::uint32_t& codePoint) {
 }
 
 bool ParserCore::readPredefined(char16_t& character) {
-    static constexpr struct {
-        const char16_t* name;
-        std::size_t length;
-        char16_t character;
-    } PREDEFINED[] = {
-        {u"amp;", 4, u'&'},  {u"lt;", 3, u'<'},    {u"gt;", 3, u'>'},
-        {u"quot;", 5, u'"'}, {u"apos;", 5, u'\''},
-    };
+    constexpr std::size_t SHORTEST = 2, LONGEST = 4;
     if (!generalEntities.isEmpty()) return false;
     const char16_t* const begin = scanner.cursor();
     const auto left = static_cast<std::size_t>(scanner.limit() - begin);
-    for (const auto& entity : PREDEFINED) {
-        if (left < entity.length || entity.length > limits.nameLength) continue;
-        if (!equalUnits(begin, entity.name, entity.length)) continue;
-        scanner.moveTo(begin + entity.length);
-        countExpansion(1);
-        character = entity.character;
-        return true;
-    }
-    return false;
+    std::size_t length = SHORTEST;
+    while (length < left && length <= LONGEST && begin[length] != u';') ++length;
+    if (length >= left || length > LONGEST || length > limits.nameLength) return false;
+    character = predefinedEntity(findBuiltinName(begin, static_cast<std::int32_t>(length)));
+    if (character == 0) return false;
+    scanner.moveTo(begin + length + 1);
+    countExpansion(1);
+    return true;
 }
 
 bool ParserCore::readEntityName(char16_t sign, RyName& name) {

@@ -127,7 +127,7 @@ void XmlParserImpl::closeStream() {
 
 void XmlParserImpl::releaseBuffers() {
     if (scanner().base().isOpen() && !failed_) return;
-    namespaces_.reset();  // elements that a failure left open point to names
+    namespaces_.release();  // elements that a failure left open point to names
     scanner().releaseBuffers();
     core_.names.reset();
     noName_.successor = nullptr;
@@ -152,8 +152,8 @@ void XmlParserImpl::checkStream() {
     }
 }
 
-/// Sniffs the encoding. An XML declaration is read character by character, since it may change the
-/// decoder.
+/// Sniffs the encoding. Of an XML declaration nothing beyond its end is read, since it may change
+/// the decoder.
 void XmlParserImpl::start() {
     checkStream();
     started_ = true;
