@@ -42,7 +42,7 @@ public:
     /// The text of a value that is a string of unknown sort.
     const RyCompactText& getCompactText() const { return text_; }
     /// Whether the value is a string of unknown sort, which is kept as text alone.
-    bool holdsText() const { return getFlag(FLAG_TEXT); }
+    bool holdsText() const { return notes(NOTE_TEXT_VALUE) != 0; }
     RyPtr<RyNode> cloneNode(bool deep) const override;
 
     /// Null while the attribute belongs to none.
@@ -51,15 +51,13 @@ public:
     RyAttr* getNextAttribute() const;
 
 protected:
-    friend class RyDocument;
+    friend class ExactNodes;
     friend class PlainTree;
     RyAttr(RyDocument* owner, RyName uri, RyName prefix, RyName local)
         : RyNode(owner), uri_(uri), prefix_(prefix), local_(local) {}
 
 private:
     friend class AttrNodeMap;
-
-    static constexpr int FLAG_TEXT = 31;
 
     void setUnits(std::u16string_view text);
 
@@ -162,7 +160,7 @@ public:
     }
 
 protected:
-    friend class RyDocument;
+    friend class ExactNodes;
     friend class NodeCloner;
     friend class PlainTree;
     RyElement(RyDocument* owner, RyName uri, RyName prefix, RyName local)

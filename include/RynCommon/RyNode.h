@@ -193,7 +193,7 @@ public:
     int deleteAllChildNodes();
 
 protected:
-    explicit RyNode(RyDocument* owner) : owner_(owner) {}
+    explicit RyNode(RyDocument* owner) : owner_(reinterpret_cast<std::uintptr_t>(owner)) {}
 
     /// Asks for the memory that a walk in document order needs next. A loaded tree lies in memory
     /// in that order, so what comes soon lies some twenty nodes further on; waiting for it is what
@@ -209,19 +209,37 @@ protected:
     }
 
 private:
+    friend class ExactNodes;
     friend class NodeLinks;
     friend class PlainTree;
+    friend class RyAttr;
+
+    // What the library notes about a node, in the bits that its document's address leaves free; the
+    // flag word is its users'.
+    static constexpr std::uintptr_t NOTE_EXACT = 3;       // see ExactNodes; 0 for other classes
+    static constexpr std::uintptr_t NOTE_TEXT_VALUE = 4;  // an attribute whose value is text
+    static constexpr std::uintptr_t NOTES = NOTE_EXACT | NOTE_TEXT_VALUE;
+
+    std::uintptr_t notes(std::uintptr_t which) const {
+        return owner_ & which;
+    }
+    void setNotes(std::uintptr_t which, std::uintptr_t to) {
+        owner_ = (owner_ & ~which) | to;
+    }
+    RyDocument* owner() const {
+        return reinterpret_cast<RyDocument*>(owner_ & ~NOTES);
+    }
 
     void releaseChildren();
     RyDocument* factory() const;
     void checkNewChild(const RyNode* newChild, int location) const;
 
     std::uint32_t flags_ = 0;
-    RyNode* parent_ = nullptr;
+    alignas(8) RyNode* parent_ = nullptr;  // so that every node's address has room for notes
     RyNode* next_ = nullptr;
     RyNode* previous_ = nullptr;
     RyNode* last_ = nullptr;
-    RyDocument* owner_;
+    std::uintptr_t owner_;  // with the notes
 };
 
 }  // namespace RynCommon

@@ -51,8 +51,7 @@ public:
 
     /// Drops a reference without ever deleting; returns the new count.
     int removeRef() const {
-        // Whoever holds the only reference is alone with the object and needs no atomic step.
-        if (refCount_.load(std::memory_order_acquire) == 1) {
+        if (isHeldOnce()) {  // no atomic step is needed
             refCount_.store(0, std::memory_order_relaxed);
             return 0;
         }
@@ -70,6 +69,8 @@ protected:
     RyRCObject(const RyRCObject& other) : RyObjectBase(other) {}
     RyRCObject& operator=(const RyRCObject&) { return *this; }
 
+    /// Whether there is one reference, so that whoever holds it is alone with the object.
+    bool isHeldOnce() const { return refCount_.load(std::memory_order_acquire) == 1; }
     /// For owners with exclusive access: sets the count.
     void setRefCount(int count) { refCount_.store(count, std::memory_order_relaxed); }
     /// For owners with exclusive access: sets the count to 0.

@@ -35,8 +35,7 @@ public:
     RyPtr<RyNode> cloneNode(bool deep) const override;
 
 protected:
-    friend class RyDocument;
-    friend class PlainTree;
+    friend class ExactNodes;
     RyTextNode(RyDocument* owner, const UnicodeString& data) : RyNode(owner), data_(data) {}
     RyTextNode(RyDocument* owner, RyCompactText data) : RyNode(owner), data_(std::move(data)) {}
 

@@ -2,10 +2,12 @@
 #include <RynCommon/RyDocument.h>
 #include <RynCommon/RyXmlUtil.h>
 
+#include "xml/tree/ExactNodes.h"
+
 namespace RynCommon {
 
 RyPtr<RyElement> RyDocument::createElement(RyName name) {
-    return new RyElement(this, RyName(), RyName(), name);
+    return ExactNodes::make<RyElement>(*this, RyName(), RyName(), name);
 }
 
 RyPtr<RyElement> RyDocument::createElementNS(RyName uri, RyName qname) {
@@ -14,11 +16,11 @@ RyPtr<RyElement> RyDocument::createElementNS(RyName uri, RyName qname) {
 }
 
 RyPtr<RyElement> RyDocument::createElementNS(RyName uri, RyName prefix, RyName local) {
-    return new RyElement(this, uri, prefix, local);
+    return ExactNodes::make<RyElement>(*this, uri, prefix, local);
 }
 
 RyPtr<RyAttr> RyDocument::createAttribute(RyName name) {
-    return new RyAttr(this, RyName(), RyName(), name);
+    return ExactNodes::make<RyAttr>(*this, RyName(), RyName(), name);
 }
 
 RyPtr<RyAttr> RyDocument::createAttributeNS(RyName uri, RyName qname) {
@@ -27,11 +29,11 @@ RyPtr<RyAttr> RyDocument::createAttributeNS(RyName uri, RyName qname) {
 }
 
 RyPtr<RyAttr> RyDocument::createAttributeNS(RyName uri, RyName prefix, RyName local) {
-    return new RyAttr(this, uri, prefix, local);
+    return ExactNodes::make<RyAttr>(*this, uri, prefix, local);
 }
 
 RyPtr<RyTextNode> RyDocument::createTextNode(const UnicodeString& text) {
-    return new RyTextNode(this, text);
+    return ExactNodes::make<RyTextNode>(*this, RyCompactText(text));
 }
 
 RyPtr<RyPINode> RyDocument::createProcessingInstruction(const UnicodeString& content) {

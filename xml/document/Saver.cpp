@@ -10,22 +10,11 @@
 
 #include <RynCommon/RyNamedValue.h>
 
-#include <typeinfo>
-
 #include "core/ErrorLocations.h"
 #include "core/MemoryCheck.h"
+#include "xml/tree/ExactNodes.h"
 
 namespace RynCommon {
-
-namespace {
-
-// Type information that comes twice, from two libraries, only leads to the longer way.
-template <class T>
-bool isExactly(const RyNode& node) {
-    return &typeid(node) == &typeid(T);
-}
-
-}  // namespace
 
 Saver::Saver(RyXmlSerializer& serializer)
     : serializer_(serializer), plain_(dynamic_cast<XmlSerializerImpl*>(&serializer)) {}
@@ -34,8 +23,8 @@ Saver::Saver(RyXmlSerializer& serializer)
 enum class Saver::Kind { TEXT, ELEMENT, OTHER };
 
 Saver::Kind Saver::kindOf(const RyNode& node) {
-    if (isExactly<RyTextNode>(node)) return Kind::TEXT;
-    return isExactly<RyElement>(node) ? Kind::ELEMENT : Kind::OTHER;
+    if (ExactNodes::is<RyTextNode>(node)) return Kind::TEXT;
+    return ExactNodes::is<RyElement>(node) ? Kind::ELEMENT : Kind::OTHER;
 }
 
 // Each node is entered before its children and left after them.
@@ -122,7 +111,7 @@ void Saver::leave(const RyNode& node, Kind kind) {
 }
 
 void Saver::startElement(const RyElement& element) {
-    if (plain_ != nullptr && isExactly<RyElement>(element))
+    if (plain_ != nullptr && ExactNodes::is<RyElement>(element))
         plain_->startTag(element.RyElement::getNamespaceUri(), element.RyElement::getPrefix(),
                          element.RyElement::getLocalName(), false);
     else
@@ -134,7 +123,7 @@ void Saver::startElement(const RyElement& element) {
 }
 
 void Saver::writeAttribute(const RyAttr& attr) {
-    if (plain_ != nullptr && attr.holdsText() && isExactly<RyAttr>(attr)) {
+    if (plain_ != nullptr && attr.holdsText() && ExactNodes::is<RyAttr>(attr)) {
         plain_->attribute(attr.RyAttr::getNamespaceUri(), attr.RyAttr::getPrefix(),
                           attr.RyAttr::getLocalName(), attr.getCompactText());
         return;

@@ -5,6 +5,7 @@
 
 #include "core/ErrorLocations.h"
 #include "xml/tree/AttrIndex.h"
+#include "xml/tree/ExactNodes.h"
 
 namespace RynCommon {
 
@@ -24,6 +25,11 @@ AttrNodeMap::~AttrNodeMap() {
     if (hasIndex()) delete index_;
     NodeLinks::takeApart(last_, [](RyNode& node) {
         RyAttr& attr = static_cast<RyAttr&>(node);
+        if (ExactNodes::isUnshared(attr)) {
+            ExactNodes::destroy(attr);
+            return;
+        }
+        NodeLinks::free(attr);
         attr.map_ = nullptr;
         attr.release();
     });

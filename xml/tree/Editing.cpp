@@ -30,8 +30,8 @@ RyPtr<RyNode> takeOut(RyNode* node) {
 
 void RyNode::checkNewChild(const RyNode* newChild, int location) const {
     // A document has no owner and belongs to no other; put under itself it is in the wrong place.
-    const RyNode* const document = owner_ != nullptr ? owner_ : this;
-    if (newChild->owner_ != document && newChild != this)
+    const RyNode* const document = owner() != nullptr ? owner() : this;
+    if (newChild->owner() != document && newChild != this)
         throwSystemError(SYSTEM_WRONG_DOCUMENT, location, u"newChild");
     // Only a node with something below it can be an ancestor, so that building stays linear.
     const bool isAbove =

@@ -1,6 +1,8 @@
 // The sibling ring.
 #include "xml/tree/NodeLinks.h"
 
+#include "xml/tree/ExactNodes.h"
+
 namespace RynCommon {
 
 void NodeLinks::linkBefore(RyNode*& last, RyNode& node, RyNode& reference) {
@@ -35,28 +37,57 @@ void NodeLinks::unlink(RyNode*& last, RyNode& node) {
     node.previous_ = nullptr;
 }
 
+// Exact nodes die without a write to them or to their ring, since nobody can look: what a tree of
+// them costs is the time until its memory has come past once. Before a node that is not exact dies,
+// and before one that others hold is freed, its ring is put in order.
 void NodeLinks::releaseChildren(RyNode& top) {
     RyNode* at = &top;
+    RyNode* node = at->last_;  // the last one left of the children of `at`
+    RyNode* first = node != nullptr ? node->next_ : nullptr;
     for (;;) {
-        RyNode* const child = at->last_;
-        if (child != nullptr) {
-            fetchBehind(child);
-            unlinkLast(*at, *child);
-            if (child->removeRef() >= 1) continue;
-            if (child->last_ == nullptr) {
-                delete child;
+        if (node == nullptr) {
+            at->last_ = nullptr;
+            if (at == &top) return;
+            RyNode& dead = *at;
+            at = dead.parent_;
+            if (ExactNodes::isAny(dead)) {
+                node = dead.previous_;
+                first = at->last_;
+                ExactNodes::destroyChild(dead);
                 continue;
             }
-            // A dying node's children go first; its parent link is the way back from them.
-            child->parent_ = at;
-            at = child;
-            continue;
+            dead.parent_ = nullptr;
+            delete &dead;
+        } else if (ExactNodes::isUnshared(*node)) {
+            fetchBehind(node);
+            if (node->last_ == nullptr) {
+                RyNode* const previous = node->previous_;
+                ExactNodes::destroyChild(*node);
+                node = previous;
+                continue;
+            }
+            // Its children go first. The way back is its parent link, where the first of its
+            // siblings is kept meanwhile.
+            at->last_ = first;
+            at = node;
+        } else {
+            fetchBehind(node);
+            at->last_ = node;
+            node->next_ = first;
+            unlinkLast(*at, *node);
+            if (node->removeRef() < 1) {
+                if (node->last_ == nullptr) {
+                    delete node;
+                } else {
+                    // An exact one that another thread has just let go of is none any more.
+                    node->setNotes(RyNode::NOTE_EXACT, 0);
+                    node->parent_ = at;
+                    at = node;
+                }
+            }
         }
-        if (at == &top) return;
-        RyNode* const dead = at;
-        at = dead->parent_;
-        dead->parent_ = nullptr;
-        delete dead;
+        node = at->last_;
+        first = node != nullptr ? node->next_ : nullptr;
     }
 }
 

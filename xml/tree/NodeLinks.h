@@ -31,20 +31,19 @@ public:
     static void replace(RyNode*& last, RyNode& node, RyNode& old);
     static void unlink(RyNode*& last, RyNode& node);
     static RyNode* next(const RyNode& node) { return node.next_; }
-    /// Frees all nodes of a ring, first to last, and gives each to `take`. The ring is empty before
-    /// the first is given.
+    /// Gives all nodes of a ring to `take`, last to first, which destroys or frees them. The ring
+    /// is empty before the first is given.
     template <class Take>
     static void takeApart(RyNode*& last, Take take) {
-        RyNode* const end = std::exchange(last, nullptr);
-        RyNode* node = end != nullptr ? end->next_ : nullptr;
+        RyNode* node = std::exchange(last, nullptr);
         while (node != nullptr) {
-            RyNode* const next = node != end ? node->next_ : nullptr;
+            RyNode* const previous = node->previous_;
             fetchBehind(node);
-            node->next_ = node->previous_ = nullptr;
             take(*node);
-            node = next;
+            node = previous;
         }
     }
+    static void free(RyNode& node) { node.next_ = node.previous_ = nullptr; }
 
     // The same on the children of a parent.
     static void linkLast(RyNode& parent, RyNode& child) {
@@ -83,10 +82,10 @@ private:
     /// against it, and waiting for the next node is most of what that costs.
     static void fetchBehind([[maybe_unused]] const RyNode* node) {
 #if defined(__GNUC__)
-        constexpr std::uintptr_t DISTANCE = 2048, CACHE_LINE = 64;
+        constexpr std::uintptr_t DISTANCE = 4096, CACHE_LINE = 64;
         const auto behind = reinterpret_cast<std::uintptr_t>(node) - DISTANCE;
-        __builtin_prefetch(reinterpret_cast<const void*>(behind), 1);
-        __builtin_prefetch(reinterpret_cast<const void*>(behind + CACHE_LINE), 1);
+        __builtin_prefetch(reinterpret_cast<const void*>(behind));
+        __builtin_prefetch(reinterpret_cast<const void*>(behind + CACHE_LINE));
 #endif
     }
 };

@@ -15,9 +15,9 @@
 #include <utility>
 
 #include "core/CompactUnits.h"
-#include "core/SlabMemory.h"
 #include "xml/parser/PlainContent.h"
 #include "xml/tree/AttrNodeMap.h"
+#include "xml/tree/ExactNodes.h"
 #include "xml/tree/NodeLinks.h"
 
 namespace RynCommon {
@@ -54,7 +54,7 @@ public:
         element.setRefCount(1);
     }
     static RyNode* appendText(RyDocument& document, RyNode& parent, RyCompactText text) {
-        RyTextNode* const node = make<RyTextNode>(&document, std::move(text));
+        RyTextNode* const node = ExactNodes::make<RyTextNode>(document, std::move(text));
         node->setRefCount(1);
         NodeLinks::linkLast(parent, *node);
         return node;
@@ -64,15 +64,9 @@ private:
     static constexpr std::uint32_t LOADING = 1u << RyNode::FLAG_LOADING;
     static constexpr std::uint32_t LOADED = 1u << RyNode::FLAG_LOADED;
 
-    /// As a new-expression, with the size known where the room is cut. The constructors cannot
-    /// fail.
-    template <class Node, class... Args>
-    static Node* make(Args&&... args) {
-        return ::new (SlabMemory::allocate(sizeof(Node))) Node(std::forward<Args>(args)...);
-    }
     static RyPtr<RyElement> makeElement(RyDocument& document, RyName uri, RyName prefix,
                                         RyName local, Scanner::Position position) {
-        RyElement* const element = make<RyElement>(&document, uri, prefix, local);
+        RyElement* const element = ExactNodes::make<RyElement>(document, uri, prefix, local);
         element->setRefCount(1);
         element->flags_ = LOADING;
         element->line_ = position.line;
@@ -82,11 +76,11 @@ private:
     /// The last attribute, of a name that the map does not have.
     static void append(RyDocument& document, AttrNodeMap& map, RyName uri, RyName prefix,
                        RyName local, RyCompactText value) {
-        RyAttr* const attr = make<RyAttr>(&document, uri, prefix, local);
+        RyAttr* const attr = ExactNodes::make<RyAttr>(document, uri, prefix, local);
         attr->setRefCount(1);
         RyPtr<RyAttr> held = RyPtr<RyAttr>::adopt(attr);
         attr->text_ = std::move(value);
-        attr->setFlag(RyAttr::FLAG_TEXT, true);
+        attr->setNotes(RyNode::NOTE_TEXT_VALUE, RyNode::NOTE_TEXT_VALUE);
         map.append(std::move(held));
     }
     static void setAttribute(RyElement& element, const ParsedAttribute& attribute);

@@ -41,7 +41,7 @@ void RyAttr::setNodeValue(const RyValue& value) {
     }
     value_ = value;
     text_ = RyCompactText();
-    setFlag(FLAG_TEXT, false);
+    setNotes(NOTE_TEXT_VALUE, 0);
 }
 
 UnicodeString RyAttr::getText() const {
@@ -55,7 +55,7 @@ void RyAttr::setText(const UnicodeString& text) {
 void RyAttr::setUnits(std::u16string_view text) {
     text_ = RyCompactText(text.data(), static_cast<std::int32_t>(text.size()));
     if (!value_.isNull()) value_ = RyValue();
-    setFlag(FLAG_TEXT, true);
+    setNotes(NOTE_TEXT_VALUE, NOTE_TEXT_VALUE);
 }
 
 void RyAttr::copyTextTo(UnicodeString& text) const {

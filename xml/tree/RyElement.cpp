@@ -21,7 +21,7 @@ RyPtr<To> castPtr(RyPtr<From> from) {
 
 void RyElement::releaseAttributes() {
     attributes_->forgetElement();
-    attributes_->release();
+    if (attributes_->removeRef() < 1) delete attributes_;
 }
 
 unsigned int RyElement::getTypeID() const {

@@ -37,6 +37,7 @@ inline void loadUntil(const RyNode& node, Known isKnown) {
 }  // namespace
 
 void RyNode::releaseChildren() {
+    static_assert(alignof(RyDocument) > NOTES, "addresses of documents leave room for the notes");
     NodeLinks::releaseChildren(*this);
 }
 
@@ -126,11 +127,11 @@ void RyNode::setText(const UnicodeString& text) {
     setNodeValue(RyValue(text));
 }
 RyDocument* RyNode::getOwnerDocument() const {
-    return owner_;
+    return owner();
 }
 
 RyDocument* RyNode::factory() const {
-    if (owner_ != nullptr || getNodeType() != DOCUMENT_NODE) return owner_;
+    if (owner() != nullptr || getNodeType() != DOCUMENT_NODE) return owner();
     return static_cast<RyDocument*>(const_cast<RyNode*>(this));
 }
 

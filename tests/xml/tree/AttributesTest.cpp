@@ -46,6 +46,7 @@ TEST(RyElementAttributes, ValuesAndTextsAreEachOthersForms) {
                               RyValue(name("auto")), RyValue(1.5, RynCommon::RYUNIT_PT)};
     for (const RyValue& value : values) {
         attr.setNodeValue(value);
+        for (int bit = 3; bit < 32; ++bit) attr.setFlag(bit, true);  // all are the caller's own
         EXPECT_EQ(attr.getNodeValue().getValueType(), value.getValueType());
         EXPECT_EQ(attr.getNodeValue().getUnitType(), value.getUnitType());
         EXPECT_EQ(utf8(attr.getText()), utf8(value.toString()));

@@ -1,5 +1,8 @@
 // Editing calls: the ring of siblings, ownership, errors.
 #include <map>
+#include <random>
+#include <utility>
+#include <vector>
 
 #include "tests/xml/tree/TreeFixture.h"
 
@@ -121,17 +124,61 @@ TEST(RyNodeEditing, ValuesAndAttributesAreRefusedWhereTheyDoNotBelong) {
               "type: RyDocument");
 }
 
-TEST(RyNodeEditing, ChildrenHeldElsewhereSurviveTheirParent) {
-    const RyPtr<RyDocument> document = documentOf("<r><a/><b><d/></b><c/></r>");
-    const RyPtr<RyNode> held = document->getDocumentElement()->getFirstChild()->getNextSibling();
-    RyPtr<RyNode> root = document->removeChild(document->getDocumentElement());
-    EXPECT_EQ(root->getRefCount(), 1);
-    root.reset();
-    EXPECT_EQ(dump(held), "b(d)");
-    EXPECT_EQ(held->getParentNode(), nullptr);
-    EXPECT_EQ(held->getPreviousSibling(), nullptr);
-    EXPECT_EQ(held->getRefCount(), 1);
-    EXPECT_EQ(held->deleteAllChildNodes(), 1);
+/// A class of a formatter, which looks around when it dies.
+class Watched : public RyElement {
+public:
+    Watched(RyDocument* document, int& alive, int& linked)
+        : RyElement(document, RyName(), RyName(), name("w")), alive_(alive), linked_(linked) {
+        ++alive_;
+    }
+    ~Watched() override {
+        --alive_;
+        linked_ += getParentNodeFast() != nullptr || getNextSiblingFast() != nullptr ||
+                   getPreviousSiblingFast() != nullptr;
+    }
+
+private:
+    int& alive_;
+    int& linked_;
+};
+
+TEST(RyNodeEditing, NodesHeldElsewhereSurviveTheirParentWhole) {
+    std::mt19937 random(4711);
+    const auto below = [&random](std::size_t n) { return random() % n; };
+    for (int round = 0; round < 200; ++round) {
+        int alive = 0;
+        int linked = 0;
+        RyPtr<RyDocument> document = documentOf("<r a='1'><b/>t</r>");
+        std::vector<RyNode*> nodes{document->getDocumentElement()};
+        const auto make = [&]() -> RyPtr<RyNode> {
+            switch (below(4)) {
+                case 0:
+                    return new Watched(document, alive, linked);
+                case 1:
+                    return RyPtr<RyNode>(document->createTextNode(u"a text of some length").get());
+                default:
+                    return RyPtr<RyNode>(document->createElement(name("e")).get());
+            }
+        };
+        for (int i = 0; i < 40; ++i) {
+            RyNode* const parent = nodes[below(nodes.size())];
+            if (parent->isElementNode()) nodes.push_back(parent->appendChild(make()));
+        }
+        std::vector<std::pair<RyPtr<RyNode>, std::string>> held;
+        const std::size_t holders = below(6);
+        for (std::size_t i = 0; i < holders; ++i) {
+            RyNode* const node = nodes[1 + below(nodes.size() - 1)];
+            held.emplace_back(node, dump(node));
+        }
+        document->removeAllChildNodes();
+        for (const auto& [node, before] : held) {
+            EXPECT_EQ(dump(node), before) << round;
+            EXPECT_EQ(brokenLinks(*node), "") << round;
+        }
+        held.clear();
+        EXPECT_EQ(alive, 0) << round;
+        EXPECT_EQ(linked, 0) << round;
+    }
 }
 
 TEST(RyNodeEditing, FragmentsAreLinkedAsTheNodesTheyAre) {
