@@ -7,7 +7,7 @@ namespace RynCommon {
 
 namespace {
 
-constexpr std::size_t SLAB_SIZE = 8192 - 16;  // with the heap's own header, two pages
+constexpr std::size_t SLAB_SIZE = 16384 - 16;  // with the heap's own header, four pages
 constexpr std::uint32_t HELD = 1u << 30;
 
 }  // namespace
