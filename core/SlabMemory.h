@@ -61,7 +61,7 @@ private:
     static constexpr bool USE_SLABS = true;
 #endif
     static constexpr std::size_t LARGEST = 1024;  // larger objects come from the heap
-    static constexpr std::size_t PREFIX = 8;     // keeps objects aligned
+    static constexpr std::size_t PREFIX = 8;      // keeps objects aligned
     static constexpr std::size_t WIDE = 16;  // the strictest that a plain new-expression relies on
 
     /// The slab that this thread cuts from, and the one whose pieces it gives back.

@@ -37,9 +37,10 @@ void NodeLinks::unlink(RyNode*& last, RyNode& node) {
     node.previous_ = nullptr;
 }
 
-// Exact nodes die without a write to them or to their ring, since nobody can look: what a tree of
-// them costs is the time until its memory has come past once. Before a node that is not exact dies,
-// and before one that others hold is freed, its ring is put in order.
+// A row of exact nodes without children dies without a write to any of them, since nobody can look:
+// what it costs is the time until its memory has come past once. Before anything below another node
+// dies, and before a node that is not exact dies or is freed for others, the ring that it is in is
+// put in order: a formatter's destructors may look at parents that they know.
 void NodeLinks::releaseChildren(RyNode& top) {
     RyNode* at = &top;
     RyNode* node = at->last_;  // the last one left of the children of `at`
@@ -52,43 +53,47 @@ void NodeLinks::releaseChildren(RyNode& top) {
             at = dead.parent_;
             if (ExactNodes::isAny(dead)) {
                 node = dead.previous_;
-                first = at->last_;
+                first = dead.next_;
                 ExactNodes::destroyChild(dead);
                 continue;
             }
             dead.parent_ = nullptr;
             delete &dead;
-        } else if (ExactNodes::isUnshared(*node)) {
+        } else {
             fetchBehind(node);
-            if (node->last_ == nullptr) {
+            const bool isExact = ExactNodes::isUnshared(*node);
+            if (isExact && node->last_ == nullptr) {
                 RyNode* const previous = node->previous_;
                 ExactNodes::destroyChild(*node);
                 node = previous;
                 continue;
             }
-            // Its children go first. The way back is its parent link, where the first of its
-            // siblings is kept meanwhile.
-            at->last_ = first;
-            at = node;
-        } else {
-            fetchBehind(node);
             at->last_ = node;
             node->next_ = first;
-            unlinkLast(*at, *node);
-            if (node->removeRef() < 1) {
-                if (node->last_ == nullptr) {
-                    delete node;
-                } else {
-                    // An exact one that another thread has just let go of is none any more.
-                    node->setNotes(RyNode::NOTE_EXACT, 0);
-                    node->parent_ = at;
-                    at = node;
-                }
+            if (isExact) {
+                // Its children go first; its parent link is the way back from them.
+                at = node;
+            } else {
+                unlinkLast(*at, *node);
+                if (node->removeRef() < 1) at = destroyOrEnter(*at, *node);
             }
         }
         node = at->last_;
         first = node != nullptr ? node->next_ : nullptr;
     }
+}
+
+/// Destroys a free node, or returns it when its children have to go first, with `at` as its parent
+/// for the way back. Returns the node whose children are next.
+RyNode* NodeLinks::destroyOrEnter(RyNode& at, RyNode& node) {
+    if (node.last_ == nullptr) {
+        delete &node;
+        return &at;
+    }
+    // An exact one that another thread has just let go of is none any more.
+    node.setNotes(RyNode::NOTE_EXACT, 0);
+    node.parent_ = &at;
+    return &node;
 }
 
 int NodeLinks::dismantle(RyNode& top) {

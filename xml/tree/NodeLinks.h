@@ -78,6 +78,7 @@ public:
     static int dismantle(RyNode& top);
 
 private:
+    static RyNode* destroyOrEnter(RyNode& at, RyNode& node);
     /// Asks for the memory that dies soon. A loaded tree lies in memory in document order and dies
     /// against it, and waiting for the next node is most of what that costs.
     static void fetchBehind([[maybe_unused]] const RyNode* node) {
