@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <tuple>
 
 namespace RynCommon {
 namespace {
@@ -48,21 +49,18 @@ TEST(MemStreamFindTest, FindsAtEveryPlaceInTextsOfEveryLength) {
 
 /// Texts full of near misses use up the credit; what is found must not depend on that.
 TEST(MemStreamFindTest, NearMissesChangeNothing) {
-    const struct {
-        const char* what;
-        std::string text, pattern;
-    } rows[] = {
+    const std::tuple<const char*, std::string, std::string> rows[] = {
         {"absent", std::string(100'000, 'a'), std::string(500, 'a') + "b" + std::string(500, 'a')},
         {"at the end", std::string(99'000, 'a') + "b" + std::string(700, 'a'),
          std::string(500, 'a') + "b" + std::string(500, 'a')},
         {"runs only", std::string(5000, 'a'), std::string(5000, 'a')},
     };
-    for (const auto& row : rows) {
-        const std::size_t expected = row.text.find(row.pattern);
-        BytePattern search(row.pattern);
+    for (const auto& [what, text, pattern] : rows) {
+        const std::size_t expected = text.find(pattern);
+        BytePattern search(pattern);
         // Again with what the first search left of the credit.
-        EXPECT_EQ(search.find(Exact(row.text).get()), expected) << row.what;
-        EXPECT_EQ(search.find(Exact(row.text).get()), expected) << row.what;
+        EXPECT_EQ(search.find(Exact(text).get()), expected) << what;
+        EXPECT_EQ(search.find(Exact(text).get()), expected) << what;
     }
 }
 

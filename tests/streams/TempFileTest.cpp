@@ -16,6 +16,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "tests/Scratch.h"
@@ -74,11 +75,7 @@ TEST_F(TempFileTest, NamesAreMadeOfTheirParts) {
     const UnicodeString& none = RyBogusString::BOGUS_VALUE;
     const std::string temp = RyTempFile::getTempDirectory().c_str();
     EXPECT_EQ(temp.back(), '/');
-    const struct {
-        const char* what;
-        RyCStr path;
-        std::string expected;
-    } rows[] = {
+    const std::tuple<const char*, RyCStr, std::string> rows[] = {
         {"no suffix", create("p"), directory_ + "p" + nameAfter(counter, 1)},
         {"neither", create(), directory_ + nameAfter(counter, 2)},
         {"texts", RyTempFile::getTempFile(dir, u"é", u".ü"),
@@ -94,10 +91,10 @@ TEST_F(TempFileTest, NamesAreMadeOfTheirParts) {
          RyTempFile::getTempFile(UnicodeString(), UnicodeString::fromUTF8(directory_ + "e"), none),
          directory_ + "e" + nameAfter(counter, 7)},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(std::string(row.path), row.expected) << row.what;
-        EXPECT_TRUE(exists(row.path)) << row.what;
-        EXPECT_TRUE(RyTempFile::removeTempFile(row.path)) << row.what;
+    for (const auto& [what, path, expected] : rows) {
+        EXPECT_EQ(std::string(path), expected) << what;
+        EXPECT_TRUE(exists(path)) << what;
+        EXPECT_TRUE(RyTempFile::removeTempFile(path)) << what;
     }
 }
 
