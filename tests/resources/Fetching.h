@@ -4,6 +4,7 @@
 #include <RynCommon/RyUri.h>
 
 #include <map>
+#include <ostream>
 #include <string>
 
 #include "tests/Scratch.h"
@@ -13,10 +14,17 @@ namespace RynCommon {
 
 /// What opening a URI and reading it to its end came to.
 struct Fetched {
+    bool operator==(const Fetched&) const = default;
+    /// Shows the start of the content only.
+    friend std::ostream& operator<<(std::ostream& out, const Fetched& fetched) {
+        return out << fetched.content.substr(0, 200) << " (" << fetched.content.size()
+                   << " bytes), '" << fetched.error << "', '" << fetched.contentType << "'";
+    }
+
     /// "(none)" when it did not open.
-    std::string content;
-    std::string error;
-    std::string contentType;
+    std::string content = "(none)";
+    std::string error = {};
+    std::string contentType = {};
 };
 Fetched fetch(const RyUri& uri);
 Fetched fetch(const std::string& uri);
