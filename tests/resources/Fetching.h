@@ -29,9 +29,6 @@ struct Fetched {
 Fetched fetch(const RyUri& uri);
 Fetched fetch(const std::string& uri);
 
-/// Everything that the stream still has, in pieces of `step` bytes.
-std::string drain(std::istream& in, std::size_t step = 4096);
-
 /// Gives fixed resources by name and writes down what it was asked for, as long as it lives.
 class FixedResources : public RyUriReferenceResolver {
 public:
@@ -45,11 +42,5 @@ public:
     std::map<std::string, std::string> resources;
     std::string asked;  ///< one URI per line
 };
-
-/// Bytes without a pattern, the same for the same seed.
-std::string makeNoise(std::size_t size, unsigned seed = 1);
-
-/// One gzip member.
-std::string makeGzip(const std::string& data);
 
 }  // namespace RynCommon

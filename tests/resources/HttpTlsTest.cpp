@@ -14,6 +14,7 @@
 
 #include "tests/resources/Fetching.h"
 #include "tests/resources/RawServer.h"
+#include "tests/streams/DeflateData.h"
 
 namespace RynCommon {
 namespace {
@@ -80,7 +81,7 @@ Fetched refused(const std::string& code) {
 TEST(HttpTlsTest, OnlyTrustedCertificatesOpen) {
     const Certificate certificate;
     const Certificate other;
-    const std::string body = makeNoise(500'000);
+    const std::string body = makeRandom(500'000);
     const TlsServer server(certificate, body);
     const std::string address = server.at("127.0.0.1");
     const RawServer plain([&](Connection& connection) {

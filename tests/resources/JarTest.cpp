@@ -7,11 +7,12 @@
 #include "tests/resources/Fetching.h"
 #include "tests/resources/RawServer.h"
 #include "tests/resources/ZipWriter.h"
+#include "tests/streams/DeflateData.h"
 
 namespace RynCommon {
 namespace {
 
-const std::string NOISE = makeNoise(200'000);
+const std::string NOISE = makeRandom(200'000);
 
 TEST(JarTest, OpensMembersOfFiles) {
     const ScratchFolder folder;

@@ -44,7 +44,7 @@ TEST(OleSummaryInformation, ServesTypes) {
                 {"vector of narrow", 0x101E, many + w.narrow("one") + w.narrow("two"), 1, 1,
                  RYVALUE_STRING, "one"},
                 {"empty vector", 0x101E, w.number(0, 4), 0, 0, RYVALUE_NULL, ""},
-                {"wide", 31, w.wide(u"\u00EF\U0001F600\0x"), 0, 1, RYVALUE_STRING,
+                {"wide", 31, w.wide(u"\u00EF\U0001F600\0x"s), 0, 1, RYVALUE_STRING,
                  "\xC3\xAF\xF0\x9F\x98\x80"},
                 {"vector of wide", 0x101F, many + w.wide(u"a") + w.wide(u"b"), 0, 1, RYVALUE_STRING,
                  "a"},
@@ -317,20 +317,17 @@ TEST(OleSummaryInformation, SizesCanBeLimited) {
     }
 }
 
-/// The readers that derived classes use.
-class Reader : public OleSummaryInformation {
-public:
+/// Calls the readers that derived classes use.
+struct Reader : OleSummaryInformation {
     void check() {
         std::uint16_t word = 0;
-        std::uint32_t dword = 0;
-        std::uint32_t sections = 0;
+        std::uint32_t dword = 0, sections = 0;
         OLE_CLSID id;
-        ASSERT_TRUE(getPropHeader(sections));
+        unsigned char bytes[4] = {};
+        ASSERT_TRUE(getPropHeader(sections) && getCLSID(id) && getDWORD(dword));
         EXPECT_EQ(sections, 2U);
-        ASSERT_TRUE(getCLSID(id) && getDWORD(dword));
         EXPECT_EQ(id.data1, 0xF29F85E0U);
         EXPECT_EQ(dword, 68U);
-        unsigned char bytes[4] = {};
         ASSERT_TRUE(checkEndian() && getWORD(word) && getReverse(bytes, 4));
         EXPECT_EQ(bytes[3], 6);
         UnicodeString text(u"kept");

@@ -69,22 +69,16 @@ TEST(PackageHostileTest, PartsCanBeLimited) {
     const std::string child = rel("1", "urn:t", "found");
     const std::string xml = relsXml(child);
     const std::uint64_t end = xml.find(child) + child.size();
-    const std::uint64_t all = RyZipLimits::UNLIMITED;
-    const std::uint64_t attributes = 4;  // the root's namespace and those of the child
-    const std::tuple<const char*, std::uint64_t, std::uint32_t, std::uint64_t, const char*> rows[] =
-        {
-            {"bytes reached", end, 0, all, "found"},
-            {"bytes exceeded", end - 1, 0, all, ""},
-            {"inflation", 0, 1, all, "found"},
-            {"attributes reached", all, 0, attributes, "found"},
-            {"attributes exceeded", all, 0, attributes - 1, ""},
-        };
-    for (const auto& [what, bytes, inflation, most, target] : rows) {
+    // The root's namespace and those of the child are four attributes.
+    const std::tuple<const char*, RyZipLimits, const char*> rows[] = {
+        {"bytes reached", {.partBytes = end, .partInflation = 0}, "found"},
+        {"bytes exceeded", {.partBytes = end - 1, .partInflation = 0}, ""},
+        {"inflation", {.partBytes = 0, .partInflation = 1}, "found"},
+        {"attributes reached", {.partInflation = 0, .partAttributes = 4}, "found"},
+        {"attributes exceeded", {.partInflation = 0, .partAttributes = 3}, ""},
+    };
+    for (const auto& [what, limits, target] : rows) {
         RyZipFile zip;
-        RyZipLimits limits;
-        limits.partBytes = bytes;
-        limits.partInflation = inflation;
-        limits.partAttributes = most;
         zip.setLimits(limits);
         zip.open(new std::istringstream(makeZip({{PACKAGE_RELS, xml, 0}})), true);
         EXPECT_EQ(s(zip.getRelationshipTargetFromId(u("1"))), target) << what;

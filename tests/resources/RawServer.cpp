@@ -57,12 +57,6 @@ bool Connection::send(const std::string& bytes) {
     return true;
 }
 
-void Connection::waitForClose() {
-    char ignored[256];
-    while (recv(socket_, ignored, sizeof ignored, 0) > 0) {
-    }
-}
-
 void Connection::reset() {
     const linger none{1, 0};
     setsockopt(socket_, SOL_SOCKET, SO_LINGER, &none, sizeof none);
