@@ -161,7 +161,7 @@ TEST(ZipFileTest, OpensFiles) {
     const ScratchFolder folder;
     const std::string path = folder.path("\u00E9.zip");
     folder.write("\u00E9.zip", makeZip({{"a", "1"}}));
-    const UnicodeString text = UnicodeString::fromUTF8(path);
+    const UnicodeString text = u(path);
 
     EXPECT_EQ(readMembers(RyZipFile(path.c_str())), Members{"a=1"});
     EXPECT_EQ(readMembers(RyZipFile(text)), Members{"a=1"});
