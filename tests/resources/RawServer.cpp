@@ -92,10 +92,4 @@ void RawServer::run() {
     }
 }
 
-int findClosedPort() {
-    int port = 0;
-    close(listenAnywhere(port));
-    return port;
-}
-
 }  // namespace RynCommon

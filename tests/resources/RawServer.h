@@ -52,7 +52,4 @@ private:
     std::thread thread_;
 };
 
-/// A port at which nobody listens.
-int findClosedPort();
-
 }  // namespace RynCommon

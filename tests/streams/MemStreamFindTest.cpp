@@ -3,26 +3,20 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <memory>
 #include <string>
+#include <string_view>
 #include <tuple>
+#include <vector>
 
 namespace RynCommon {
 namespace {
 
 /// Bytes in a block of exactly their size, so that a sanitizer sees a read past either end.
-class Exact {
-public:
-    explicit Exact(std::string_view text)
-        : block_(std::make_unique<char[]>(text.size())), size_(text.size()) {
-        std::copy(text.begin(), text.end(), block_.get());
-    }
-    std::string_view get() const { return {block_.get(), size_}; }
+struct Exact {
+    explicit Exact(std::string_view text) : block(text.begin(), text.end()) {}
+    std::string_view get() const { return {block.data(), block.size()}; }
 
-private:
-    std::unique_ptr<char[]> block_;
-    std::size_t size_;
+    std::vector<char> block;
 };
 
 TEST(MemStreamFindTest, FindsAtEveryPlaceInTextsOfEveryLength) {
