@@ -8,6 +8,7 @@
 #include "tests/Scratch.h"
 #include "tests/Text.h"
 #include "tests/resources/PackageWriter.h"
+#include "tests/streams/ByteSources.h"
 
 namespace RynCommon {
 namespace {
@@ -135,21 +136,6 @@ TEST(DocumentClassTest, StrictPackagesWhenTheyAreAccepted) {
     mixed->setAcceptStrict(true);
     EXPECT_EQ(mixed->detectOOXDocument(), RyZipFile::OOX_WORDPROCESSING_DOCUMENT);
 }
-
-/// Counts the bytes that are taken.
-class WatchedBuf : public std::stringbuf {
-public:
-    using std::stringbuf::stringbuf;
-
-    std::uint64_t bytesRead = 0;
-
-protected:
-    std::streamsize xsgetn(char* target, std::streamsize count) override {
-        const std::streamsize came = std::stringbuf::xsgetn(target, count);
-        bytesRead += static_cast<std::uint64_t>(came);
-        return came;
-    }
-};
 
 TEST(DocumentClassTest, DetectionReadsOnlyWhatItNeeds) {
     constexpr std::size_t LARGE = 4u << 20;

@@ -1,4 +1,4 @@
-// Opening URIs: files, the resolver hook, output, modules.
+// Opening URIs: files, data, the resolver hook, output, modules.
 #include <RynCommon/RyUri.h>
 
 #include <gtest/gtest.h>
@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <tuple>
 
 #include "tests/resources/Fetching.h"
 
@@ -18,7 +19,7 @@ protected:
     RyUri uri(const std::string& rest) const { return RyUri(u("file://" + directory_ + rest)); }
 
     ScratchFolder folder_;
-    const std::string directory_ = folder_.path("").substr(0, folder_.path("").size() - 1);
+    const std::string& directory_ = folder_.path();
 };
 
 TEST_F(FetchTest, OpensFilesUnderTheirEscapedNames) {
@@ -46,13 +47,32 @@ TEST_F(FetchTest, SaysWhyNothingOpens) {
         {"C:\\a b.xml", "Cannot open file: C:\\a b.xml: not a path of this system"},
         {"", "Cannot open file: : No such file or directory"},
         {"GOPHER://h/a", "Cannot open URI of scheme: gopher"},
+        {"data:", "Malformed data URI: no comma"},
+        {"data:text/xml", "Malformed data URI: no comma"},
+        {"data:;base64;TWFu", "Malformed data URI: no comma"},
     };
-    for (const auto& [text, error] : rows) {
-        const Fetched fetched = fetch(text);
-        EXPECT_EQ(fetched.content, "(none)") << text;
-        EXPECT_EQ(fetched.error, error) << text;
-        EXPECT_EQ(fetched.contentType, "") << text;
-    }
+    for (const auto& [text, error] : rows)
+        EXPECT_EQ(fetch(text), (Fetched{.error = error})) << text;
+}
+
+TEST_F(FetchTest, DecodesDataBehindTheComma) {
+    const std::tuple<const char*, std::string, const char*> rows[] = {
+        {"data:,a%20b", "a b", ""},
+        {"data:,a%00b", std::string("a\0b", 3), ""},
+        {"data:,a b", "a b", ""},
+        {"data:,\xC3\xA9%C3%A9%FF", "\xC3\xA9\xC3\xA9\xFF", ""},
+        {"data:,50%,%4,%zz,%%41", "50%,%4,%zz,%A", ""},
+        {"data:,a?b#c\\d", "a?b#c\\d", ""},
+        {"DATA:a/b;base64,TWFu", "Man", "a/b"},
+        {"data:;base64,TQ==", "M", ""},
+        {"data:;base64,T W\r\nF\tu", "Man", ""},
+        {"data:;base64,%54%57%46u", "Man", ""},
+        {"data:;base64,%2B/%2f+", "\xFB\xFF\xFE", ""},
+        {"data:;base64;x=y,TWFu", "Man", ""},
+        {"data:;base64=no,TWFu", "TWFu", ""},
+    };
+    for (const auto& [text, content, contentType] : rows)
+        EXPECT_EQ(fetch(text), (Fetched{content, "", contentType})) << text;
 }
 
 TEST_F(FetchTest, TheResolverComesFirst) {
@@ -60,10 +80,7 @@ TEST_F(FetchTest, TheResolverComesFirst) {
     FixedResources resolver;
     resolver.resources = {{"http://h/a%20b", "supplied"}, {s(uri("/a")), "supplied"}};
     EXPECT_EQ(RyUri::getUriReferenceResolver(), &resolver);
-    const Fetched remote = fetch("http://h/a b");
-    EXPECT_EQ(remote.content, "supplied");
-    EXPECT_EQ(remote.contentType, "text/x-test");
-    EXPECT_EQ(remote.error, "");
+    EXPECT_EQ(fetch("http://h/a b"), (Fetched{"supplied", "", "text/x-test"}));
     EXPECT_EQ(fetch(uri("/a")).content, "supplied");
     EXPECT_EQ(resolver.asked, "http://h/a%20b\n" + s(uri("/a")) + "\n");
     resolver.resources.clear();

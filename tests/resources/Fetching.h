@@ -4,6 +4,7 @@
 #include <RynCommon/RyUri.h>
 
 #include <map>
+#include <ostream>
 #include <string>
 
 #include "tests/Scratch.h"
@@ -13,16 +14,20 @@ namespace RynCommon {
 
 /// What opening a URI and reading it to its end came to.
 struct Fetched {
+    bool operator==(const Fetched&) const = default;
+    /// Shows the start of the content only.
+    friend std::ostream& operator<<(std::ostream& out, const Fetched& fetched) {
+        return out << fetched.content.substr(0, 200) << " (" << fetched.content.size()
+                   << " bytes), '" << fetched.error << "', '" << fetched.contentType << "'";
+    }
+
     /// "(none)" when it did not open.
-    std::string content;
-    std::string error;
-    std::string contentType;
+    std::string content = "(none)";
+    std::string error = {};
+    std::string contentType = {};
 };
 Fetched fetch(const RyUri& uri);
 Fetched fetch(const std::string& uri);
-
-/// Everything that the stream still has, in pieces of `step` bytes.
-std::string drain(std::istream& in, std::size_t step = 4096);
 
 /// Gives fixed resources by name and writes down what it was asked for, as long as it lives.
 class FixedResources : public RyUriReferenceResolver {
@@ -37,11 +42,5 @@ public:
     std::map<std::string, std::string> resources;
     std::string asked;  ///< one URI per line
 };
-
-/// Bytes without a pattern, the same for the same seed.
-std::string makeNoise(std::size_t size, unsigned seed = 1);
-
-/// One gzip member.
-std::string makeGzip(const std::string& data);
 
 }  // namespace RynCommon

@@ -7,14 +7,7 @@
 namespace RynCommon {
 namespace {
 
-using test::makeContent;
-using test::MemoryIo;
-using test::OleImage;
-using test::OleWriter;
-using test::Path;
-using test::readStream;
-
-const std::string NONE = "(none)";
+using namespace test;
 
 TEST(OleCompFile, ReadsEveryLayout) {
     using Row = std::pair<unsigned, unsigned>;
@@ -34,7 +27,7 @@ TEST(OleCompFile, ReadsEveryLayout) {
                                  std::u16string(name.begin(), name.end()), streams.back().second);
             }
             const OleImage image = writer.write();
-            test::OpenFile file(image.bytes());
+            OpenFile file(image.bytes());
             EXPECT_EQ(file.isLittleEndian(), (bits & 1) == 0);
             EXPECT_EQ(file.getMinisPerBlock(), 1U << (shift - miniShift));
             EXPECT_EQ(file.getMiniStartSect(), image.miniStream[0]);
@@ -54,7 +47,7 @@ TEST(OleCompFile, TellsWhatTheEntriesSay) {
     const int storage = writer.addStorage(0, u"St\u00F6rage");
     const int stream =
         writer.addStream(storage, u"\u0005Str\0eam" + std::u16string(1, u'\0'), makeContent(70));
-    test::OpenFile file(writer.write().bytes());
+    OpenFile file(writer.write().bytes());
     EXPECT_EQ(file.getVersion(), "03 00");
     EXPECT_EQ(file.getBytesPerBlock(), 512U);
     EXPECT_EQ(file.getLongsPerBlock(), 128U);
@@ -88,12 +81,7 @@ TEST(OleCompFile, ChecksTheHeader) {
     writer.addStream(0, u"s", makeContent(5000));
     writer.addStream(0, u"m", makeContent(50));
     const OleImage image = writer.write();
-    const struct {
-        const char* what;
-        std::size_t offset, size;
-        std::int64_t value;
-        bool opens;
-    } rows[] = {
+    const std::tuple<const char*, std::size_t, std::size_t, std::int64_t, bool> rows[] = {
         {"signature", 0, 1, 0xD1, false},
         {"sector shift 6", 30, 2, 6, false},
         {"sector shift 21", 30, 2, 21, false},
@@ -111,17 +99,17 @@ TEST(OleCompFile, ChecksTheHeader) {
         {"first FAT sector -1", 76, 4, -1, false},
         {"the same FAT sector again", 44, 4, 2, false},
     };
-    for (const auto& row : rows) {
+    for (const auto& [what, offset, size, value, expected] : rows) {
         OleImage broken = image;
         broken.sink.set32(80, image.fat[0]);
-        broken.sink.set(row.offset, static_cast<std::size_t>(row.value), row.size);
-        EXPECT_EQ(test::opens(broken.bytes()), row.opens) << row.what;
-        EXPECT_EQ(test::opens(broken.bytes(), false), row.opens) << row.what;
+        broken.sink.set(offset, value, size);
+        EXPECT_EQ(opens(broken.bytes()), expected) << what;
+        EXPECT_EQ(opens(broken.bytes(), false), expected) << what;
     }
     for (const std::size_t nameBytes : {64U, 66U}) {
         OleImage unused = image;
         unused.sink.set(unused.entryOffset(3) + 64, nameBytes, 2);
-        EXPECT_EQ(test::opens(unused.bytes()), nameBytes == 64) << "in an entry that is not used";
+        EXPECT_EQ(opens(unused.bytes()), nameBytes == 64) << "in an entry that is not used";
     }
 }
 
@@ -131,7 +119,7 @@ TEST(OleCompFile, AnyOtherByteOrderMarkIsBigEndian) {
     OleImage image = writer.write();
     for (const char* const mark : {"\xFF\xFE", "\x12\x34"}) {
         image.sink.bytes.replace(28, 2, mark, 2);
-        test::OpenFile file(image.bytes());
+        OpenFile file(image.bytes());
         EXPECT_EQ(file.getVersion(), "00 03");
         EXPECT_EQ(readStream(file, Path{"s"}), "content");
     }
@@ -144,16 +132,16 @@ TEST(OleCompFile, FollowsTheListOfFatSectors) {
         writer.addStream(0, u"s", content);
         const OleImage image = writer.write();
         ASSERT_EQ(image.fat.size(), count);
-        test::OpenFile file(image.bytes());
+        OpenFile file(image.bytes());
         EXPECT_EQ(file.getIndirectFatBlockCount(), static_cast<int>((count + 17) / 127));
         EXPECT_EQ(readStream(file, Path{"s"}), content);
         if (count == 109) continue;
         OleImage broken = image;
         broken.sink.set32(68, -2);
-        EXPECT_FALSE(test::opens(broken.bytes()));
+        EXPECT_FALSE(opens(broken.bytes()));
         OleImage cyclic = image;
         cyclic.sink.set32(cyclic.offsetOf(cyclic.difat[0]) + 508, cyclic.difat[0]);
-        EXPECT_EQ(test::opens(cyclic.bytes()), image.difat.size() == 1) << count;
+        EXPECT_EQ(opens(cyclic.bytes()), image.difat.size() == 1) << count;
     }
 }
 
@@ -163,23 +151,16 @@ TEST(OleCompFile, SearchesEntryThenLeftThenRight) {
         writer.addStream(0, name, "x");
     // The balanced tree: 4 (2 (1, 3), 6 (5, 7)). Names are then given without any order.
     OleImage image = writer.write();
-    const auto rename = [&](int id, char name) {
-        image.sink.set(image.entryOffset(id), static_cast<std::size_t>(name), 2);
-    };
+    const auto rename = [&](int id, char name) { image.sink.set(image.entryOffset(id), name, 2); };
     for (const int id : {7, 5, 3}) rename(id, 'z');
     rename(1, 'y');
     rename(6, 'y');
-    test::OpenFile file(image.bytes());
-    const struct {
-        int start;
-        const char* name;
-        int found;
-    } rows[] = {
+    OpenFile file(image.bytes());
+    const std::tuple<int, const char*, int> rows[] = {
         {4, "d", 4}, {4, "z", 3}, {6, "z", 5}, {4, "y", 1}, {6, "y", 6}, {6, "b", -1}, {4, "", -1},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(file.findDirEntryByName(file.getDirInfo(row.start), row.name), row.found)
-            << row.start << row.name;
+    for (const auto& [start, name, found] : rows)
+        EXPECT_EQ(file.findDirEntryByName(file.getDirInfo(start), name), found) << start << name;
     EXPECT_EQ(file.findDirEntryByName(nullptr, "d"), -1);
     EXPECT_EQ(file.findDirEntryByName(file.getDirInfo(4), nullptr), -1);
     const OleDirInfo copy = *file.getDirInfo(6);
@@ -196,10 +177,9 @@ TEST(OleCompFile, FindsTheSameInLargeDirectories) {
             writer.addStream(storages[i % 2], name, std::to_string(i));
         }
         OleImage image = writer.write();
-        const std::int32_t child =
-            test::OpenFile(image.bytes()).getDirInfo(storages[0])->getChildID();
+        const std::int32_t child = OpenFile(image.bytes()).getDirInfo(storages[0])->getChildID();
         if (shared) image.sink.set32(image.entryOffset(storages[1]) + 76, child);
-        test::OpenFile file(image.bytes());
+        OpenFile file(image.bytes());
         for (const int storage : storages) {
             const OleDirInfo* const start = file.getDirInfo(file.getDirInfo(storage)->getChildID());
             const OleDirInfo elsewhere = *start;  // a copy is walked
@@ -217,52 +197,44 @@ TEST(OleCompFile, FindsTheSameInLargeDirectories) {
 TEST(OleCompFile, ReportsMissingNamesOnStandardError) {
     OleWriter writer;
     writer.addStream(0, u"s", "x");
-    test::OpenFile file(writer.write().bytes());
+    OpenFile file(writer.write().bytes());
     const auto report = [](const std::string& name) {
         return "\nError - OleStream::getDirIndex - Unable to find directory '" + name + "'\n";
     };
-    const struct {
-        std::vector<const char*> names;
-        std::int32_t index;
-        std::string output;
-    } rows[] = {
+    const std::tuple<std::vector<const char*>, std::int32_t, std::string> rows[] = {
         {{"s"}, 1, ""},
         {{"S"}, -1, report("S")},
         {{"s", "below"}, -1, report("below")},
         {{"\x05\x1B[2Jx\x7F"}, -1, report("\\x05\\x1b[2Jx\\x7f")},
         {{nullptr}, -1, ""},
     };
-    for (const auto& row : rows) {
-        const OleDirPath path{static_cast<int>(row.names.size()), row.names.data()};
+    for (const auto& [names, expected, output] : rows) {
+        const OleDirPath path{static_cast<int>(names.size()), names.data()};
         testing::internal::CaptureStderr();
         const std::int32_t index = file.getDirIndex(&path);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), row.output);
-        EXPECT_EQ(index, row.index) << row.output;
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), output);
+        EXPECT_EQ(index, expected) << output;
     }
     EXPECT_EQ(file.getDirIndex(nullptr), -1);
 }
 
 TEST(OleCompFile, OpensTheObjectBesideThePresentation) {
     const char16_t* const presentation = u"\u0002OlePres000";
-    const struct {
-        const char* what;
-        std::vector<std::u16string> siblings;
-        std::string content;
-    } rows[] = {
+    const std::tuple<const char*, std::vector<std::u16string>, std::string> rows[] = {
         {"stops at the name", {u"a", presentation, u"b"}, "1"},
         {"first is the name", {presentation, u"b"}, "0"},
         {"the name is last", {u"a", presentation}, "0"},
         {"no such name", {u"a", u"b", u"c"}, "1"},
         {"a single child", {u"a"}, NONE},
     };
-    for (const auto& row : rows) {
+    for (const auto& [what, siblings, content] : rows) {
         OleWriter writer({.siblings = OleWriter::Siblings::RIGHT_CHAIN});
         const int storage = writer.addStorage(0, u"object");
-        for (std::size_t i = 0; i < row.siblings.size(); ++i)
-            writer.addStream(storage, row.siblings[i], std::to_string(i));
-        test::OpenFile file(writer.write().bytes());
+        for (std::size_t i = 0; i < siblings.size(); ++i)
+            writer.addStream(storage, siblings[i], std::to_string(i));
+        OpenFile file(writer.write().bytes());
         OleStream* const stream = file.OLEopenObject(Path{"object"});
-        EXPECT_EQ(stream == nullptr ? NONE : test::readAll(*stream), row.content) << row.what;
+        EXPECT_EQ(stream == nullptr ? NONE : readAll(*stream), content) << what;
         file.OLEcloseStream(stream);
         testing::internal::CaptureStderr();
         EXPECT_EQ(file.OLEopenObject(Path{"object", "a"}), nullptr) << "a stream has no child";
@@ -306,7 +278,7 @@ TEST(OleCompFile, ReadsNoMoreThanNeeded) {
     writer.addStream(0, u"large", makeContent(1'000'000));
     writer.addStream(0, u"small", makeContent(4000));
     const OleImage image = writer.write();
-    test::OpenFile file(image.bytes());
+    OpenFile file(image.bytes());
     const auto firstTable = static_cast<std::size_t>(image.offsetOf(image.miniFat[0]));
     std::size_t total = 0;
     for (const auto& [offset, count] : file.io.reads) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <tuple>
 
 #include "tests/Scratch.h"
 #include "tests/Text.h"
@@ -12,8 +13,7 @@
 namespace RynCommon {
 namespace {
 
-using test::makeContent;
-using test::OleWriter;
+using namespace test;
 
 struct Stream {
     bool dual;  ///< in the storage "PP97_DUALSTORAGE"
@@ -34,11 +34,7 @@ std::string makeFile(const std::vector<Stream>& streams) {
 TEST(OleDocumentClass, TellsKindsByTheirStreams) {
     const char16_t* const user = u"Current User";
     const char16_t* const slides = u"PowerPoint Document";
-    const struct {
-        const char* what;
-        std::vector<Stream> streams;
-        int type;
-    } rows[] = {
+    const std::tuple<const char*, std::vector<Stream>, int> rows[] = {
         {"word processor", {{false, u"WordDocument", 5000}}, 1},
         {"an empty stream is one", {{false, u"WordDocument", 0}}, 1},
         {"names are exact", {{false, u"wordDocument", 50}}, 0},
@@ -55,36 +51,31 @@ TEST(OleDocumentClass, TellsKindsByTheirStreams) {
          3},
     };
     testing::internal::CaptureStderr();
-    for (const auto& row : rows) {
-        std::istringstream in(makeFile(row.streams));
+    for (const auto& [what, streams, type] : rows) {
+        std::istringstream in(makeFile(streams));
         in.seekg(3);
-        EXPECT_EQ(OleCompFile::detectOLEDocument(in), row.type) << row.what;
-        EXPECT_EQ(in.tellg(), 3) << row.what;
+        EXPECT_EQ(OleCompFile::detectOLEDocument(in), type) << what;
+        EXPECT_EQ(in.tellg(), 3) << what;
     }
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST(OleDocumentClass, RecognisesTheSignatureWherverTheStreamStands) {
     const std::string file = makeFile({{false, u"Workbook", 50}});
-    const struct {
-        const char* what;
-        std::string bytes;
-        int start;
-        bool isOle;
-    } rows[] = {
+    const std::tuple<const char*, std::string, int, bool> rows[] = {
         {"a file", file, 0, true},
         {"511 bytes", file.substr(0, 511), 0, false},
         {"512 bytes", file.substr(0, 512), 0, true},
         {"elsewhere", "xx" + file, 0, false},
         {"another signature", "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE0" + file.substr(8), 0, false},
     };
-    for (const auto& row : rows) {
-        std::istringstream in(row.bytes);
-        in.seekg(row.start);
-        EXPECT_EQ(OleCompFile::isOLEUri(in), row.isOle) << row.what;
-        EXPECT_EQ(in.tellg(), row.start) << row.what;
+    for (const auto& [what, bytes, start, isOle] : rows) {
+        std::istringstream in(bytes);
+        in.seekg(start);
+        EXPECT_EQ(OleCompFile::isOLEUri(in), isOle) << what;
+        EXPECT_EQ(in.tellg(), start) << what;
         in.exceptions(std::ios_base::eofbit | std::ios_base::failbit | std::ios_base::badbit);
-        EXPECT_EQ(OleCompFile::isOLEUri(in), row.isOle) << row.what;
+        EXPECT_EQ(OleCompFile::isOLEUri(in), isOle) << what;
     }
     BreakingSource throwing;
     std::istream in(&throwing);

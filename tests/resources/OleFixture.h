@@ -33,10 +33,9 @@ public:
     }
     bool seek(std::int64_t offset, int whence) override {
         if (whence == SEEK_END && !seeksFromEnd) return false;
-        if (whence == SEEK_CUR) offset += static_cast<std::int64_t>(position);
-        if (whence == SEEK_END) offset += static_cast<std::int64_t>(bytes.size());
+        if (whence != SEEK_SET) offset += whence == SEEK_CUR ? position : bytes.size();
         if (offset < 0) return false;
-        position = static_cast<std::size_t>(offset);
+        position = offset;
         return true;
     }
 
@@ -90,10 +89,12 @@ inline std::string readAll(OleStream& stream, std::uint32_t piece = 1000) {
     return content;
 }
 
-/// The content of a stream; "(none)" when it does not open.
+/// What stands for the content of a stream that does not open.
+inline const std::string NONE = "(none)";
+
 inline std::string readStream(OleCompFile& file, const OleDirPath* path) {
     OleStream* const stream = file.OLEopenStream(path);
-    if (stream == nullptr) return "(none)";
+    if (stream == nullptr) return NONE;
     const std::string content = readAll(*stream);
     file.OLEcloseStream(stream);
     return content;

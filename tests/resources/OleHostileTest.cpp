@@ -2,7 +2,8 @@
 // stands in the hostile proof and in the fuzz target.
 #include <gtest/gtest.h>
 
-#include <set>
+#include <random>
+#include <tuple>
 
 #include "resources/ole/SectorTables.h"
 #include "tests/resources/OleFixture.h"
@@ -10,14 +11,8 @@
 namespace RynCommon {
 namespace {
 
-using test::makeContent;
-using test::MemoryIo;
-using test::OleImage;
-using test::OleWriter;
-using test::Path;
-using test::readStream;
+using namespace test;
 
-const std::string NONE = "(none)";
 constexpr int LARGE = 1;
 constexpr int SMALL = 2;
 
@@ -34,14 +29,14 @@ TEST(OleHostile, StreamsCutAtEverySector) {
     OleWriter writer;
     writer.addStream(0, u"s", makeContent(20'000));
     OleImage image = writer.write();
-    test::OpenFile file(image.bytes());
+    OpenFile file(image.bytes());
     OleStream stream(&file);
     ASSERT_TRUE(stream.GetStreamChain(1));
     for (std::size_t size = 0; size <= 20'512; size += 100) {
         file.io.bytes = image.bytes().substr(0, size);
         stream.OLEseek(0, 0);
         const std::size_t left = std::min<std::size_t>(size < 512 ? 0 : size - 512, 20'000);
-        EXPECT_EQ(test::readAll(stream, 3000), makeContent(20'000).substr(0, left));
+        EXPECT_EQ(readAll(stream, 3000), makeContent(20'000).substr(0, left));
         EXPECT_EQ(stream.OLEtell(), left);
     }
 }
@@ -50,7 +45,7 @@ TEST(OleHostile, StreamsCutAtEverySector) {
 TEST(OleHostile, PositionsWithoutASectorAreSoughtButNotReached) {
     OleImage image = makeImage();
     image.setNext(image.miniStream[0], -2);
-    test::OpenFile file(image.bytes());
+    OpenFile file(image.bytes());
     OleStream stream(&file);
     ASSERT_TRUE(stream.GetStreamChain(SMALL));
     unsigned char byte = 0;
@@ -84,15 +79,11 @@ void checkReadable(const OleImage& broken, const Readable& expected, const char*
 
 TEST(OleHostile, BrokenChains) {
     const OleImage image = makeImage();
-    const std::vector<std::int32_t>& large = image.chains[LARGE];
-    const std::vector<std::int32_t>& small = image.chains[SMALL];
-    const std::vector<std::int32_t>& mini = image.miniStream;
-    const std::vector<std::int32_t>& directory = image.directory;
-    const struct {
-        const char* what;
-        std::int32_t sector, next;
-        Readable expected;
-    } rows[] = {
+    const Sectors& large = image.chains[LARGE];
+    const Sectors& small = image.chains[SMALL];
+    const Sectors& mini = image.miniStream;
+    const Sectors& directory = image.directory;
+    const std::tuple<const char*, std::int32_t, std::int32_t, Readable> rows[] = {
         {"a stream that returns to its start", large[3], large[0], {true, 0, 1000}},
         {"a sector that follows itself", large[3], large[3], {true, 0, 1000}},
         {"a cycle behind the stream's end", large.back(), large[0], {true, 6000, 1000}},
@@ -107,10 +98,10 @@ TEST(OleHostile, BrokenChains) {
         {"a directory that goes on into a FAT sector", directory[1], image.fat[0], {false, 0, 0}},
         {"a directory that goes on outside", directory[1], 128, {false, 0, 0}},
     };
-    for (const auto& row : rows) {
+    for (const auto& [what, sector, next, expected] : rows) {
         OleImage broken = image;
-        broken.setNext(row.sector, row.next);
-        checkReadable(broken, row.expected, row.what);
+        broken.setNext(sector, next);
+        checkReadable(broken, expected, what);
     }
     for (const std::int32_t next : {small[1], -2}) {
         OleImage broken = image;
@@ -127,12 +118,7 @@ TEST(OleHostile, BrokenStartsAndSizes) {
     const OleImage image = makeImage();
     const std::size_t root = image.entryOffset(0);
     const std::size_t large = image.entryOffset(LARGE);
-    const struct {
-        const char* what;
-        std::size_t offset;
-        std::int64_t number;
-        Readable expected;
-    } rows[] = {
+    const std::tuple<const char*, std::size_t, std::int64_t, Readable> rows[] = {
         {"no mini stream", root + 116, -2, {true, 6000, 0}},
         {"the mini stream begins outside", root + 116, 0x7FFFFFFF, {true, 6000, 0}},
         {"the mini FAT begins outside", 60, 128, {false, 0, 0}},
@@ -141,10 +127,10 @@ TEST(OleHostile, BrokenStartsAndSizes) {
         {"a size of 2^32-1", large + 120, -1, {true, 0, 1000}},
         {"a stream that begins nowhere", large + 116, -2, {true, 0, 1000}},
     };
-    for (const auto& row : rows) {
+    for (const auto& [what, offset, number, expected] : rows) {
         OleImage broken = image;
-        broken.sink.set32(row.offset, row.number);
-        checkReadable(broken, row.expected, row.what);
+        broken.sink.set32(offset, number);
+        checkReadable(broken, expected, what);
     }
     OleImage cyclic = image;
     cyclic.setNext(image.miniFat[0], image.miniFat[0]);
@@ -160,7 +146,7 @@ TEST(OleHostile, BrokenTreesOfSiblings) {
             for (const std::int64_t target : {0L, 3L, 4L, 6L, 8L, 0x7FFFFFFFL}) {
                 OleImage broken = image;
                 broken.sink.set32(broken.entryOffset(id) + field, target);
-                test::OpenFile file(broken.bytes());
+                OpenFile file(broken.bytes());
                 for (const int start : {3, 4, 5})
                     EXPECT_EQ(file.findDirEntryByName(file.getDirInfo(start), "none"), -1);
                 testing::internal::CaptureStderr();
@@ -171,32 +157,28 @@ TEST(OleHostile, BrokenTreesOfSiblings) {
     }
 }
 
-/// A chain sector by sector, as the tables say it.
-std::int32_t walkStepwise(const ole::SectorTables& tables, std::int32_t start, std::size_t most,
-                          std::vector<std::int32_t>& chain) {
-    chain.clear();
-    std::set<std::int32_t> met;
-    std::int32_t next = start;
-    while (chain.size() < most && next >= 0 &&
-           static_cast<std::size_t>(next) < tables.getSize(false) && met.insert(next).second) {
+/// A chain sector by sector, as the table of what follows each says it; ends with what ended it.
+Sectors walkStepwise(const Sectors& table, std::int32_t next, std::size_t most) {
+    Sectors chain;
+    while (chain.size() < most && next >= 0 && static_cast<std::size_t>(next) < table.size() &&
+           std::find(chain.begin(), chain.end(), next) == chain.end()) {
         chain.push_back(next);
-        next = tables.getNext(next, false);
+        next = table[next];
     }
-    return next;
+    chain.push_back(next);
+    return chain;
 }
 
 TEST(OleHostile, ChainsAreWhatAStepwiseWalkFinds) {
     OleImage image = OleWriter({.leastFatSectors = 4}).write();
-    std::uint32_t random = 7;
-    const auto draw = [&random](std::uint32_t range) {
-        random = random * 1664525 + 1013904223;
-        return static_cast<std::int32_t>((random >> 8) % range);
-    };
-    for (int round = 0; round < 20; ++round) {
+    std::minstd_rand random(7);
+    for (std::size_t round = 0; round < 20; ++round) {
         // Runs of all lengths, with jumps between them that now and then lead outside.
+        Sectors table(512);
         for (std::int32_t sector = 0; sector < 512; ++sector) {
-            const bool jumps = draw(2 + static_cast<std::uint32_t>(round) * 10) == 0;
-            image.setNext(sector, jumps ? draw(530) - 3 : sector + 1);
+            const bool jumps = random() % (2 + round * 10) == 0;
+            table[sector] = jumps ? static_cast<std::int32_t>(random() % 530) - 3 : sector + 1;
+            image.setNext(sector, table[sector]);
         }
         MemoryIo io(image.bytes());
         ole::OleHeader header;
@@ -207,13 +189,13 @@ TEST(OleHostile, ChainsAreWhatAStepwiseWalkFinds) {
         for (std::int32_t start = -2; start < 514; ++start) {
             for (const std::size_t most : {1U, 64U, 512U}) {
                 ole::SectorChain found;
-                std::vector<std::int32_t> expected;
                 const std::int32_t end = tables.collectChain(start, false, most, found);
-                ASSERT_EQ(end, walkStepwise(tables, start, most, expected)) << start << " " << most;
-                ASSERT_EQ(found.size(), expected.size()) << start << " " << most;
+                const Sectors expected = walkStepwise(table, start, most);
+                ASSERT_EQ(end, expected.back()) << start << " " << most;
+                ASSERT_EQ(found.size() + 1, expected.size()) << start << " " << most;
                 EXPECT_EQ(found.at(found.size()), -1);
-                for (std::size_t i = 0; i < expected.size(); ++i) {
-                    const std::size_t index = i % 3 == 0 ? expected.size() - 1 - i : i;
+                for (std::size_t i = 0; i < found.size(); ++i) {
+                    const std::size_t index = i % 3 == 0 ? found.size() - 1 - i : i;
                     ASSERT_EQ(found.at(index), expected[index]) << start << " " << most;
                 }
             }
@@ -226,27 +208,23 @@ TEST(OleHostile, ChainsAreWhatAStepwiseWalkFinds) {
 TEST(OleHostile, ChainsAndDirectoriesCanBeLimited) {
     const std::string bytes = makeImage().bytes();
     const std::uint32_t all = OleLimits::UNLIMITED;
-    const struct {
-        std::uint32_t chain, entries;
-        bool opens;
-        std::size_t large, small;
-    } rows[] = {
+    const std::tuple<std::uint32_t, std::uint32_t, bool, std::size_t, std::size_t> rows[] = {
         {16, 8, true, 6000, 1000}, {15, all, true, 6000, 0}, {12, all, true, 6000, 0},
         {11, all, true, 0, 0},     {1, all, false, 0, 0},    {all, 7, false, 0, 0},
     };
-    for (const auto& row : rows) {
+    for (const auto& [chain, entries, opens, large, small] : rows) {
         MemoryIo io(bytes);
         OleCompFile file;
         OleLimits limits;
-        limits.chainSectors = row.chain;
-        limits.directoryEntries = row.entries;
+        limits.chainSectors = chain;
+        limits.directoryEntries = entries;
         file.setLimits(limits);
-        EXPECT_EQ(file.OLEopen(&io), row.opens) << row.chain << " " << row.entries;
-        if (!row.opens) continue;
-        for (const auto& [id, size] : {std::pair(LARGE, row.large), std::pair(SMALL, row.small)}) {
+        EXPECT_EQ(file.OLEopen(&io), opens) << chain << " " << entries;
+        if (!opens) continue;
+        for (const auto& [id, size] : {std::pair(LARGE, large), std::pair(SMALL, small)}) {
             OleStream stream(&file);
-            EXPECT_EQ(stream.GetStreamChain(id), size > 0) << row.chain << " " << id;
-            EXPECT_EQ(test::readAll(stream).size(), size) << row.chain << " " << id;
+            EXPECT_EQ(stream.GetStreamChain(id), size > 0) << chain << " " << id;
+            EXPECT_EQ(readAll(stream).size(), size) << chain << " " << id;
         }
     }
 }

@@ -4,6 +4,7 @@
 
 #include <limits>
 #include <memory>
+#include <tuple>
 
 #include "tests/Scratch.h"
 #include "tests/resources/OleFixture.h"
@@ -11,11 +12,7 @@
 namespace RynCommon {
 namespace {
 
-using test::makeContent;
-using test::MemoryIo;
-using test::OleImage;
-using test::OleWriter;
-using test::Path;
+using namespace test;
 
 class OleStreamTest : public testing::Test {
 protected:
@@ -43,48 +40,39 @@ TEST_F(OleStreamTest, SeeksWithinItsBounds) {
     constexpr std::int32_t MOST = std::numeric_limits<std::int32_t>::max();
     constexpr std::int32_t LEAST = std::numeric_limits<std::int32_t>::min();
     // Each row goes on from the one before.
-    const struct {
-        std::int32_t offset;
-        int whence;
-        std::int64_t result;
-        std::uint32_t position;
-    } rows[] = {
+    const std::tuple<std::int32_t, int, std::int64_t, std::uint32_t> rows[] = {
         {10, 2, 90, 90},   {-5, 0, 0, 0},        {500, 0, 100, 100}, {-10, 1, 90, 90},
         {99, 1, 100, 100}, {-500, 1, 0, 0},      {101, 2, 0, 0},     {-1, 2, 100, 100},
         {40, 0, 40, 40},   {7, 3, -1, 40},       {7, -1, -1, 40},    {MOST, 1, 100, 100},
         {LEAST, 1, 0, 0},  {LEAST, 2, 100, 100},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(stream.OLEseek(row.offset, row.whence), row.result) << row.offset << row.whence;
-        EXPECT_EQ(stream.OLEtell(), row.position) << row.offset << " " << row.whence;
+    for (const auto& [offset, whence, result, position] : rows) {
+        EXPECT_EQ(stream.OLEseek(offset, whence), result) << offset << whence;
+        EXPECT_EQ(stream.OLEtell(), position) << offset << " " << whence;
     }
 }
 
 TEST_F(OleStreamTest, SeekingPlacesTheReaderOfTheFile) {
-    for (const std::size_t size : {3000U, 9000U}) {
+    for (const int size : {3000, 9000}) {
         OleStream& stream = open(size);
         const std::string content = makeContent(size);
-        for (std::int32_t position = 0; position < static_cast<std::int32_t>(size);
-             position += 37) {
+        for (std::int32_t position = 0; position < size; position += 37) {
             ASSERT_EQ(stream.OLEseek(position, 0), position);
             char byte = 0;
             ASSERT_EQ(file_.ReadIO(&byte, 1), 1U);
-            ASSERT_EQ(byte, content[static_cast<std::size_t>(position)]) << position;
+            ASSERT_EQ(byte, content[position]) << position;
         }
     }
 }
 
 TEST_F(OleStreamTest, TheCutoffTellsWhereAStreamLives) {
-    const struct {
-        std::size_t size;
-        std::uint32_t cutoff;
-        bool mini;
-    } rows[] = {{4095, 4096, true}, {4096, 4096, false}, {64, 0, false}, {6000, 0x7FFFFFFF, true}};
-    for (const auto& row : rows) {
-        OleStream& stream = open(row.size, row.cutoff);
-        EXPECT_EQ(test::readAll(stream), makeContent(row.size)) << row.size;
-        const std::vector<std::int32_t>& chain = image_.chains[1];
-        EXPECT_EQ(chain.size(), (row.size + (row.mini ? 63 : 511)) / (row.mini ? 64 : 512));
+    const std::tuple<std::size_t, std::uint32_t, bool> rows[] = {
+        {4095, 4096, true}, {4096, 4096, false}, {64, 0, false}, {6000, 0x7FFFFFFF, true}};
+    for (const auto& [size, cutoff, mini] : rows) {
+        OleStream& stream = open(size, cutoff);
+        EXPECT_EQ(readAll(stream), makeContent(size)) << size;
+        const Sectors& chain = image_.chains[1];
+        EXPECT_EQ(chain.size(), (size + (mini ? 63 : 511)) / (mini ? 64 : 512));
         for (std::size_t i = 0; i < chain.size(); ++i)
             ASSERT_EQ(stream.GetStreamChainIndex(static_cast<std::uint32_t>(i)), chain[i]);
         EXPECT_EQ(stream.GetStreamChainIndex(static_cast<std::uint32_t>(chain.size())), -1);
@@ -97,10 +85,10 @@ TEST_F(OleStreamTest, OnlyStreamsHaveAChain) {
     for (const std::int32_t id : {0, 3, 4, -1, 0x7FFFFFFF}) {
         EXPECT_FALSE(stream.GetStreamChain(id)) << id;
         EXPECT_EQ(stream.GetStreamSize(), 0U);
-        EXPECT_EQ(test::readAll(stream), "");
+        EXPECT_EQ(readAll(stream), "");
     }
     EXPECT_TRUE(stream.GetStreamChain(2));
-    EXPECT_EQ(test::readAll(stream), makeContent(700, 2));
+    EXPECT_EQ(readAll(stream), makeContent(700, 2));
     EXPECT_EQ(stream.OLEread(nullptr, 5), 0U);
     EXPECT_FALSE(OleStream(nullptr).GetStreamChain(1));
 }
@@ -129,18 +117,14 @@ TEST_F(OleStreamTest, CopiesToAFileAndKeepsItsPlace) {
 TEST_F(OleStreamTest, TheStandardStreamEndsAtItsLimit) {
     OleStream& stream = open(9000);
     const std::string content = makeContent(9000);
-    const struct {
-        int limit;
-        std::size_t from;
-        std::vector<std::size_t> blocks;
-    } rows[] = {
+    const std::tuple<int, std::size_t, std::vector<std::size_t>> rows[] = {
         {5000, 0, {4096, 904}},  {-1, 0, {4096, 4096, 808}}, {0, 0, {}},
         {8192, 0, {4096, 4096}}, {8193, 0, {4096, 4096, 1}}, {5000, 8000, {1000}},
         {-1, 9000, {}},
     };
-    for (const auto& row : rows) {
-        stream.OLEseek(static_cast<std::int32_t>(row.from), 0);
-        RyOleStream in(&stream, row.limit);
+    for (const auto& [limit, from, expected] : rows) {
+        stream.OLEseek(static_cast<std::int32_t>(from), 0);
+        RyOleStream in(&stream, limit);
         std::string read;
         std::vector<std::size_t> blocks;
         while (in.peek() != std::char_traits<char>::eof()) {
@@ -149,8 +133,8 @@ TEST_F(OleStreamTest, TheStandardStreamEndsAtItsLimit) {
             in.read(block.data(), static_cast<std::streamsize>(block.size()));
             read += block;
         }
-        EXPECT_EQ(blocks, row.blocks) << row.limit;
-        EXPECT_EQ(read, content.substr(row.from, read.size()));
+        EXPECT_EQ(blocks, expected) << limit;
+        EXPECT_EQ(read, content.substr(from, read.size()));
         EXPECT_TRUE(in.eof());
     }
     RyOleStream none(nullptr);

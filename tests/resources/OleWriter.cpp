@@ -5,6 +5,7 @@
 #include "tests/resources/OleWriter.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace RynCommon::test {
@@ -20,9 +21,13 @@ std::size_t ceilDivide(std::size_t a, std::size_t b) {
     return (a + b - 1) / b;
 }
 
-void link(const std::vector<std::int32_t>& chain, std::vector<std::int32_t>& table) {
+void link(const Sectors& chain, Sectors& table) {
     for (std::size_t i = 0; i < chain.size(); ++i)
-        table[static_cast<std::size_t>(chain[i])] = i + 1 < chain.size() ? chain[i + 1] : END;
+        table[chain[i]] = i + 1 < chain.size() ? chain[i + 1] : END;
+}
+
+std::int32_t startOf(const Sectors& chain) {
+    return chain.empty() ? END : chain[0];
 }
 
 }  // namespace
@@ -35,16 +40,12 @@ void ByteSink::set(std::size_t offset, std::size_t value, std::size_t size) {
 }
 
 std::size_t OleImage::entryOffset(int id) const {
-    const std::size_t perSector = (std::size_t{1} << shift) / 128;
-    const auto index = static_cast<std::size_t>(id);
-    return offsetOf(directory.at(index / perSector)) + index % perSector * 128;
+    return offsetIn(directory, id, 128);
 }
 
-void OleImage::setNextIn(const std::vector<std::int32_t>& table, std::int32_t index,
-                         std::int32_t next) {
-    const std::size_t perSector = (std::size_t{1} << shift) / 4;
-    const auto at = static_cast<std::size_t>(index);
-    sink.set32(offsetOf(table.at(at / perSector)) + at % perSector * 4, next);
+std::size_t OleImage::offsetIn(const Sectors& table, std::size_t index, std::size_t size) const {
+    const std::size_t perSector = (std::size_t{1} << shift) / size;
+    return offsetOf(table.at(index / perSector)) + index % perSector * size;
 }
 
 OleWriter::OleWriter(const Options& options) : options_(options), entries_(1) {
@@ -52,29 +53,25 @@ OleWriter::OleWriter(const Options& options) : options_(options), entries_(1) {
     entries_[0].type = 5;
 }
 
-int OleWriter::add(int parent, const std::u16string& name, int type, std::string content) {
-    const int id = static_cast<int>(entries_.size());
-    Entry entry;
-    entry.name = name;
-    entry.type = type;
-    entry.content = std::move(content);
+int OleWriter::add(int parent, Entry entry) {
     entries_.push_back(std::move(entry));
-    entries_[static_cast<std::size_t>(parent)].children.push_back(id);
+    const int id = static_cast<int>(entries_.size()) - 1;
+    entries_[parent].children.push_back(id);
     return id;
 }
 
 int OleWriter::addStorage(int parent, const std::u16string& name) {
-    return add(parent, name, 1, {});
+    return add(parent, {.name = name, .type = 1});
 }
 
 int OleWriter::addStream(int parent, const std::u16string& name, std::string content) {
-    return add(parent, name, 2, std::move(content));
+    return add(parent, {.name = name, .type = 2, .content = std::move(content)});
 }
 
 int OleWriter::linkBalanced(const std::vector<int>& ids, std::size_t from, std::size_t to) {
     if (from == to) return -1;
     const std::size_t middle = from + (to - from) / 2;
-    Entry& entry = entries_[static_cast<std::size_t>(ids[middle])];
+    Entry& entry = entries_[ids[middle]];
     entry.left = linkBalanced(ids, from, middle);
     entry.right = linkBalanced(ids, middle + 1, to);
     return ids[middle];
@@ -84,55 +81,56 @@ void OleWriter::linkSiblings(Entry& parent) {
     std::vector<int> ids = parent.children;
     if (options_.siblings == Siblings::BALANCED) {
         std::sort(ids.begin(), ids.end(), [this](int a, int b) {
-            const std::u16string& first = entries_[static_cast<std::size_t>(a)].name;
-            const std::u16string& second = entries_[static_cast<std::size_t>(b)].name;
+            const std::u16string& first = entries_[a].name;
+            const std::u16string& second = entries_[b].name;
             return std::pair(first.size(), first) < std::pair(second.size(), second);
         });
         parent.child = linkBalanced(ids, 0, ids.size());
         return;
     }
-    parent.child = ids.empty() ? -1 : ids[0];
-    for (std::size_t i = 0; i + 1 < ids.size(); ++i) {
-        Entry& entry = entries_[static_cast<std::size_t>(ids[i])];
-        (options_.siblings == Siblings::RIGHT_CHAIN ? entry.right : entry.left) = ids[i + 1];
-    }
+    const bool toTheRight = options_.siblings == Siblings::RIGHT_CHAIN;
+    for (std::size_t i = ids.size(); i-- > 0; parent.child = ids[i])
+        (toTheRight ? entries_[ids[i]].right : entries_[ids[i]].left) = parent.child;
 }
 
-void OleWriter::scatter(std::vector<std::int32_t>& numbers) {
+void OleWriter::scatter(Sectors& numbers) {
     for (std::size_t i = numbers.size(); i > 1; --i) {
         random_ = random_ * 1664525 + 1013904223;
         std::swap(numbers[i - 1], numbers[(random_ >> 8) % i]);
     }
 }
 
-std::vector<std::int32_t> OleWriter::takeSectors(std::size_t count) {
-    std::vector<std::int32_t> sectors(count);
+Sectors OleWriter::takeSectors(std::size_t count) {
+    Sectors sectors(count);
     for (std::int32_t& sector : sectors) sector = static_cast<std::int32_t>(used_++);
     if (options_.scattered) scatter(sectors);
     fat_.resize(std::max(fat_.size(), used_), -1);
     return sectors;
 }
 
-std::vector<std::int32_t> OleWriter::allocateSectors(std::size_t bytes) {
-    std::vector<std::int32_t> chain =
-        takeSectors(ceilDivide(bytes, std::size_t{1} << options_.shift));
+Sectors OleWriter::storeSectors(OleImage& image, const std::string& data) {
+    const Sectors chain = takeSectors(ceilDivide(data.size(), std::size_t{1} << options_.shift));
     link(chain, fat_);
+    store(image, chain, data);
     return chain;
 }
 
-std::vector<std::int32_t> OleWriter::allocateMinis(std::size_t bytes) {
-    std::vector<std::int32_t> chain(ceilDivide(bytes, std::size_t{1} << options_.miniShift));
-    for (std::int32_t& mini : chain) {
-        mini = static_cast<std::int32_t>(miniFat_.size());
-        miniFat_.push_back(END);
-    }
+Sectors OleWriter::storeMinis(const std::string& data) {
+    const std::size_t size = std::size_t{1} << options_.miniShift;
+    Sectors chain(ceilDivide(data.size(), size));
+    std::iota(chain.begin(), chain.end(), static_cast<std::int32_t>(miniFat_.size()));
+    miniFat_.resize(miniFat_.size() + chain.size());
     if (options_.scattered) scatter(chain);
     link(chain, miniFat_);
+    miniStream_.resize(miniFat_.size() * size);
+    for (std::size_t i = 0; i < chain.size(); ++i) {
+        const std::string piece = data.substr(i * size, size);
+        miniStream_.replace(chain[i] * size, piece.size(), piece);
+    }
     return chain;
 }
 
-void OleWriter::store(OleImage& image, const std::vector<std::int32_t>& sectors,
-                      const std::string& data) {
+void OleWriter::store(OleImage& image, const Sectors& sectors, const std::string& data) {
     const std::size_t size = std::size_t{1} << options_.shift;
     std::string& bytes = image.sink.bytes;
     for (std::size_t i = 0; i < sectors.size(); ++i) {
@@ -143,58 +141,48 @@ void OleWriter::store(OleImage& image, const std::vector<std::int32_t>& sectors,
     }
 }
 
-void OleWriter::writeMiniStreams(OleImage& image) {
-    const std::size_t size = std::size_t{1} << options_.miniShift;
-    for (std::size_t id = 0; id < entries_.size(); ++id) {
-        Entry& entry = entries_[id];
-        if (entry.type != 2 || entry.content.size() >= options_.cutoff) continue;
-        const std::vector<std::int32_t> chain = allocateMinis(entry.content.size());
-        miniStream_.resize(miniFat_.size() * size);
-        for (std::size_t i = 0; i < chain.size(); ++i) {
-            const std::string piece = entry.content.substr(i * size, size);
-            miniStream_.replace(static_cast<std::size_t>(chain[i]) * size, piece.size(), piece);
+void OleWriter::writeStreams(OleImage& image) {
+    image.chains.resize(entries_.size());
+    for (const bool mini : {false, true}) {
+        for (std::size_t id = 0; id < entries_.size(); ++id) {
+            Entry& entry = entries_[id];
+            if (entry.type != 2 || (entry.content.size() < options_.cutoff) != mini) continue;
+            image.chains[id] =
+                mini ? storeMinis(entry.content) : storeSectors(image, entry.content);
+            entry.start = startOf(image.chains[id]);
         }
-        if (!chain.empty()) entry.start = chain[0];
-        image.chains[id] = chain;
     }
-    image.miniStream = allocateSectors(miniStream_.size());
-    if (!image.miniStream.empty()) entries_[0].start = image.miniStream[0];
-    store(image, image.miniStream, miniStream_);
-
+    image.miniStream = storeSectors(image, miniStream_);
+    entries_[0].start = startOf(image.miniStream);
     ByteSink table(options_.bigEndian);
-    for (const std::int32_t next : miniFat_) table.put32(static_cast<std::uint32_t>(next));
+    for (const std::int32_t next : miniFat_) table.put32(next);
     const std::size_t sector = std::size_t{1} << options_.shift;
     table.bytes.resize(ceilDivide(table.bytes.size(), sector) * sector, '\xFF');
-    image.miniFat = allocateSectors(table.bytes.size());
-    store(image, image.miniFat, table.bytes);
+    image.miniFat = storeSectors(image, table.bytes);
 }
 
 void OleWriter::writeDirectory(OleImage& image) {
     ByteSink sink(options_.bigEndian);
+    // What is left of the last sector are entries that are not used.
+    const std::size_t perSector = std::size_t{1} << (options_.shift - 7);
+    entries_.resize(ceilDivide(entries_.size(), perSector) * perSector);
     for (const Entry& entry : entries_) {
         const std::size_t start = sink.bytes.size();
         for (const char16_t unit : entry.name) sink.put16(unit);
         sink.bytes.resize(start + 64);
-        sink.put16(2 * (entry.name.size() + 1));
-        sink.put(static_cast<std::size_t>(entry.type), 1);
+        sink.put16(entry.type == 0 ? 0 : 2 * (entry.name.size() + 1));
+        sink.put(entry.type, 1);
         sink.put(1, 1);
-        for (const int id : {entry.left, entry.right, entry.child})
-            sink.put32(static_cast<std::uint32_t>(id));
-        for (int i = 0; i < 16; ++i) sink.put(static_cast<std::size_t>(0xA0 + i), 1);
+        for (const int id : {entry.left, entry.right, entry.child}) sink.put32(id);
+        for (int i = 0; i < 16; ++i) sink.put(0xA0 + i, 1);
         sink.put32(0x12345678);
         sink.put64(0x01D0000000000001);
         sink.put64(0x01D0000000000002);
-        sink.put32(static_cast<std::uint32_t>(entry.start));
+        sink.put32(entry.start);
         sink.put32(entry.type == 5 ? miniStream_.size() : entry.content.size());
         sink.put32(0);
     }
-    image.directory = allocateSectors(sink.bytes.size());
-    store(image, image.directory, sink.bytes);
-    const std::size_t all = image.directory.size() << (options_.shift - 7);
-    for (std::size_t id = entries_.size(); id < all; ++id) {
-        for (const std::size_t at : {68U, 72U, 76U})
-            image.sink.set32(image.entryOffset(static_cast<int>(id)) + at, -1);
-    }
+    image.directory = storeSectors(image, sink.bytes);
 }
 
 void OleWriter::writeTables(OleImage& image) {
@@ -210,35 +198,30 @@ void OleWriter::writeTables(OleImage& image) {
     }
     image.fat = takeSectors(fatCount);
     image.difat = takeSectors(difatCount);
-    for (const std::int32_t sector : image.fat) fat_[static_cast<std::size_t>(sector)] = FAT_SECTOR;
-    for (const std::int32_t sector : image.difat)
-        fat_[static_cast<std::size_t>(sector)] = DIFAT_SECTOR;
+    for (const std::int32_t sector : image.fat) fat_[sector] = FAT_SECTOR;
+    for (const std::int32_t sector : image.difat) fat_[sector] = DIFAT_SECTOR;
     fat_.resize(fatCount * perSector, -1);
     ByteSink table(options_.bigEndian);
-    for (const std::int32_t next : fat_) table.put32(static_cast<std::uint32_t>(next));
+    for (const std::int32_t next : fat_) table.put32(next);
     store(image, image.fat, table.bytes);
 
     ByteSink list(options_.bigEndian);
+    std::size_t index = HEADER_ENTRIES;
     for (std::size_t i = 0; i < difatCount; ++i) {
-        for (std::size_t k = 0; k + 1 < perSector; ++k) {
-            const std::size_t index = HEADER_ENTRIES + i * (perSector - 1) + k;
-            list.put32(static_cast<std::uint32_t>(index < fatCount ? image.fat[index] : -1));
-        }
-        list.put32(static_cast<std::uint32_t>(i + 1 < difatCount ? image.difat[i + 1] : END));
+        for (std::size_t k = 0; k + 1 < perSector; ++k, ++index)
+            list.put32(index < fatCount ? image.fat[index] : -1);
+        list.put32(i + 1 < difatCount ? image.difat[i + 1] : END);
     }
     store(image, image.difat, list.bytes);
 }
 
 void OleWriter::writeHeader(OleImage& image) {
-    const auto startOf = [](const std::vector<std::int32_t>& sectors) {
-        return static_cast<std::uint32_t>(sectors.empty() ? END : sectors[0]);
-    };
     ByteSink header(options_.bigEndian);
     header.bytes = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
     header.bytes.resize(24);
     header.put16(0x3E);
     header.put16(options_.shift == 12 ? 4 : 3);
-    header.bytes += options_.bigEndian ? "\xFF\xFE" : "\xFE\xFF";
+    header.put16(0xFFFE);
     header.put16(options_.shift);
     header.put16(options_.miniShift);
     header.bytes.resize(44);
@@ -251,7 +234,7 @@ void OleWriter::writeHeader(OleImage& image) {
     header.put32(startOf(image.difat));
     header.put32(image.difat.size());
     for (std::size_t i = 0; i < HEADER_ENTRIES; ++i)
-        header.put32(static_cast<std::uint32_t>(i < image.fat.size() ? image.fat[i] : -1));
+        header.put32(i < image.fat.size() ? image.fat[i] : -1);
     image.sink.bytes.replace(0, 512, header.bytes);
 }
 
@@ -259,16 +242,8 @@ OleImage OleWriter::write() {
     OleImage image(options_.bigEndian);
     image.shift = options_.shift;
     image.sink.bytes.resize(512);
-    image.chains.resize(entries_.size());
-    for (std::size_t id = 0; id < entries_.size(); ++id) {
-        Entry& entry = entries_[id];
-        linkSiblings(entry);
-        if (entry.type != 2 || entry.content.size() < options_.cutoff) continue;
-        image.chains[id] = allocateSectors(entry.content.size());
-        if (!image.chains[id].empty()) entry.start = image.chains[id][0];
-        store(image, image.chains[id], entry.content);
-    }
-    writeMiniStreams(image);
+    for (Entry& entry : entries_) linkSiblings(entry);
+    writeStreams(image);
     writeDirectory(image);
     writeTables(image);
     writeHeader(image);

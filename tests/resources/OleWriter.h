@@ -8,6 +8,9 @@
 
 namespace RynCommon::test {
 
+/// Numbers of sectors or mini sectors: a chain in order, or what follows each.
+using Sectors = std::vector<std::int32_t>;
+
 /// Appends and overwrites integers of one byte order.
 class ByteSink {
 public:
@@ -22,9 +25,7 @@ public:
     }
     /// The low `size` bytes of `value` at `offset`.
     void set(std::size_t offset, std::size_t value, std::size_t size);
-    void set32(std::size_t offset, std::int64_t value) {
-        set(offset, static_cast<std::size_t>(value), 4);
-    }
+    void set32(std::size_t offset, std::int64_t value) { set(offset, value, 4); }
     void pad(std::size_t multiple) {
         bytes.resize((bytes.size() + multiple - 1) / multiple * multiple);
     }
@@ -45,22 +46,22 @@ struct OleImage {
     }
     std::size_t entryOffset(int id) const;
     /// Overwrites what follows a sector in the FAT, a mini sector in the mini FAT.
-    void setNext(std::int32_t sector, std::int32_t next) { setNextIn(fat, sector, next); }
-    void setNextMini(std::int32_t mini, std::int32_t next) { setNextIn(miniFat, mini, next); }
+    void setNext(std::int32_t sector, std::int32_t next) {
+        sink.set32(offsetIn(fat, sector, 4), next);
+    }
+    void setNextMini(std::int32_t mini, std::int32_t next) {
+        sink.set32(offsetIn(miniFat, mini, 4), next);
+    }
 
     ByteSink sink;
     unsigned shift = 9;
-    // Sector numbers, in order.
-    std::vector<std::int32_t> fat;
-    std::vector<std::int32_t> difat;
-    std::vector<std::int32_t> miniFat;
-    std::vector<std::int32_t> directory;
-    std::vector<std::int32_t> miniStream;
-    /// Sectors or mini sectors of each entry's stream.
-    std::vector<std::vector<std::int32_t>> chains;
+    Sectors fat, difat, miniFat, directory, miniStream;
+    /// Those of each entry's stream.
+    std::vector<Sectors> chains;
 
 private:
-    void setNextIn(const std::vector<std::int32_t>& table, std::int32_t index, std::int32_t next);
+    /// Of a table's or the directory's entry, each of `size` bytes.
+    std::size_t offsetIn(const Sectors& table, std::size_t index, std::size_t size) const;
 };
 
 class OleWriter {
@@ -89,34 +90,31 @@ public:
 
 private:
     struct Entry {
-        std::u16string name;
+        std::u16string name = {};
         int type = 0;
-        std::string content;
-        std::vector<int> children;
-        int left = -1;
-        int right = -1;
-        int child = -1;
+        std::string content = {};
+        std::vector<int> children = {};
+        int left = -1, right = -1, child = -1;
         std::int32_t start = -2;
     };
 
-    int add(int parent, const std::u16string& name, int type, std::string content);
+    int add(int parent, Entry entry);
     void linkSiblings(Entry& parent);
     int linkBalanced(const std::vector<int>& ids, std::size_t from, std::size_t to);
-    std::vector<std::int32_t> allocateSectors(std::size_t bytes);
-    std::vector<std::int32_t> allocateMinis(std::size_t bytes);
-    std::vector<std::int32_t> takeSectors(std::size_t count);
-    void scatter(std::vector<std::int32_t>& numbers);
-    void writeMiniStreams(OleImage& image);
+    Sectors takeSectors(std::size_t count);
+    Sectors storeSectors(OleImage& image, const std::string& data);
+    Sectors storeMinis(const std::string& data);
+    void scatter(Sectors& numbers);
+    void writeStreams(OleImage& image);
     void writeDirectory(OleImage& image);
     void writeTables(OleImage& image);
     void writeHeader(OleImage& image);
-    void store(OleImage& image, const std::vector<std::int32_t>& sectors, const std::string& data);
+    void store(OleImage& image, const Sectors& sectors, const std::string& data);
 
     Options options_;
     std::vector<Entry> entries_;
     std::size_t used_ = 0;  ///< sectors given out
-    std::vector<std::int32_t> fat_;
-    std::vector<std::int32_t> miniFat_;
+    Sectors fat_, miniFat_;
     std::string miniStream_;
     std::uint32_t random_ = 1;
 };

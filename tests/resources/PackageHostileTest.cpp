@@ -3,6 +3,7 @@
 
 #include <sstream>
 #include <string>
+#include <tuple>
 
 #include "tests/resources/Fetching.h"
 #include "tests/resources/PackageWriter.h"
@@ -12,11 +13,7 @@ namespace {
 
 TEST(PackageHostileTest, NothingOutsideOfThePackageIsRead) {
     const std::string child = rel("1", "urn:t", "urn:a");
-    const struct {
-        const char* what;
-        std::string xml;
-        const char* target;
-    } rows[] = {
+    const std::tuple<const char*, std::string, const char*> rows[] = {
         {"external DTD", "<!DOCTYPE x SYSTEM 'http://h/x.dtd'>" + relsXml(child), "urn:a"},
         {"entity of an external DTD",
          "<!DOCTYPE x SYSTEM 'http://h/x.dtd'>" + relsXml(rel("1", "urn:t", "urn:&e;")), ""},
@@ -29,12 +26,12 @@ TEST(PackageHostileTest, NothingOutsideOfThePackageIsRead) {
         {"internal entity in a value",
          "<!DOCTYPE x [<!ENTITY e 'a'>]>" + relsXml(rel("1", "urn:t", "urn:&e;")), "urn:a"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [what, xml, target] : rows) {
         FixedResources outside;
         outside.resources["http://h/x.dtd"] = "<!ENTITY e 'from outside'>";
-        PackageInMemory package({{PACKAGE_RELS, row.xml}});
-        EXPECT_EQ(s(package->getRelationshipTargetFromId(u("1"))), row.target) << row.what;
-        EXPECT_EQ(outside.asked, "") << row.what;
+        PackageInMemory package({{PACKAGE_RELS, xml}});
+        EXPECT_EQ(s(package->getRelationshipTargetFromId(u("1"))), target) << what;
+        EXPECT_EQ(outside.asked, "") << what;
     }
 }
 
@@ -72,30 +69,19 @@ TEST(PackageHostileTest, PartsCanBeLimited) {
     const std::string child = rel("1", "urn:t", "found");
     const std::string xml = relsXml(child);
     const std::uint64_t end = xml.find(child) + child.size();
-    const std::uint64_t all = RyZipLimits::UNLIMITED;
-    const std::uint64_t attributes = 4;  // the root's namespace and those of the child
-    const struct {
-        const char* what;
-        std::uint64_t bytes;
-        std::uint32_t inflation;
-        std::uint64_t attributes;
-        const char* target;
-    } rows[] = {
-        {"bytes reached", end, 0, all, "found"},
-        {"bytes exceeded", end - 1, 0, all, ""},
-        {"inflation", 0, 1, all, "found"},
-        {"attributes reached", all, 0, attributes, "found"},
-        {"attributes exceeded", all, 0, attributes - 1, ""},
+    // The root's namespace and those of the child are four attributes.
+    const std::tuple<const char*, RyZipLimits, const char*> rows[] = {
+        {"bytes reached", {.partBytes = end, .partInflation = 0}, "found"},
+        {"bytes exceeded", {.partBytes = end - 1, .partInflation = 0}, ""},
+        {"inflation", {.partBytes = 0, .partInflation = 1}, "found"},
+        {"attributes reached", {.partInflation = 0, .partAttributes = 4}, "found"},
+        {"attributes exceeded", {.partInflation = 0, .partAttributes = 3}, ""},
     };
-    for (const auto& row : rows) {
+    for (const auto& [what, limits, target] : rows) {
         RyZipFile zip;
-        RyZipLimits limits;
-        limits.partBytes = row.bytes;
-        limits.partInflation = row.inflation;
-        limits.partAttributes = row.attributes;
         zip.setLimits(limits);
         zip.open(new std::istringstream(makeZip({{PACKAGE_RELS, xml, 0}})), true);
-        EXPECT_EQ(s(zip.getRelationshipTargetFromId(u("1"))), row.target) << row.what;
+        EXPECT_EQ(s(zip.getRelationshipTargetFromId(u("1"))), target) << what;
     }
     // Free bytes and those for compressed bytes add up.
     PackageInMemory package({{PACKAGE_RELS, xml}});
@@ -119,19 +105,15 @@ TEST(PackageHostileTest, DamagedPartsKeepWhatWasRead) {
         EXPECT_EQ(s(package->getRelationshipTargetFromId(u("2"))), length >= secondEnds ? "b" : "")
             << length;
     }
-    const struct {
-        const char* what;
-        std::string xml;
-        const char* target;
-    } rows[] = {
+    const std::tuple<const char*, std::string, const char*> rows[] = {
         {"unknown encoding", "<?xml version='1.0' encoding='x-none'?>" + xml, ""},
         {"a lone ampersand behind", relsXml(first + "& " + second), "a"},
         {"not XML", "PK\x03\x04", ""},
     };
-    for (const auto& row : rows) {
-        PackageInMemory package({{PACKAGE_RELS, row.xml}});
-        EXPECT_EQ(s(package->getRelationshipTargetFromId(u("1"))), row.target) << row.what;
-        EXPECT_EQ(s(package->getRelationshipTargetFromId(u("2"))), "") << row.what;
+    for (const auto& [what, damaged, target] : rows) {
+        PackageInMemory package({{PACKAGE_RELS, damaged}});
+        EXPECT_EQ(s(package->getRelationshipTargetFromId(u("1"))), target) << what;
+        EXPECT_EQ(s(package->getRelationshipTargetFromId(u("2"))), "") << what;
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <sstream>
 #include <string>
+#include <tuple>
 
 #include "tests/Text.h"
 #include "tests/resources/PackageWriter.h"
@@ -57,11 +58,7 @@ TEST(PackageTest, ContentTypesAreReadFromTheRightRootOnly) {
     std::string wide;
     for (const char c : typesXml("<Default Extension='a' ContentType='yes'/>"))
         wide += std::string{c, '\0'};
-    const struct {
-        const char* what;
-        std::string xml;
-        const char* type;
-    } rows[] = {
+    const std::tuple<const char*, std::string, const char*> rows[] = {
         {"prefixed",
          "<t:Types xmlns:t='http://schemas.openxmlformats.org/package/2006/content-types'>"
          "<t:Default Extension='a' ContentType='yes'/></t:Types>",
@@ -72,37 +69,32 @@ TEST(PackageTest, ContentTypesAreReadFromTheRightRootOnly) {
         {"damaged behind", typesXml("<Default Extension='a' ContentType='yes'/><"), "yes"},
         {"damaged before", typesXml("<&><Default Extension='a' ContentType='no'/>"), ""},
     };
-    for (const auto& row : rows) {
-        PackageInMemory package({{"f.a", ""}, {CONTENT_TYPES, row.xml}});
-        EXPECT_EQ(typeOf(package, "f.a"), row.type) << row.what;
+    for (const auto& [what, xml, type] : rows) {
+        PackageInMemory package({{"f.a", ""}, {CONTENT_TYPES, xml}});
+        EXPECT_EQ(typeOf(package, "f.a"), type) << what;
     }
 }
 
 TEST(PackageTest, RelationshipsPartOfEachSource) {
-    const struct {
-        const char *source, *rels;
-    } rows[] = {
+    const std::pair<std::string, std::string> rows[] = {
         {"", "_rels/.rels"},
         {"word/document.xml", "word/_rels/document.xml.rels"},
         {"/top", "/_rels/top.rels"},
         {"dir/", "dir/_rels/.rels"},
     };
-    for (const auto& row : rows) {
-        Parts parts{{row.rels, relsXml(rel("r", "t", "urn:here"))}};
-        for (const auto& each : rows)
-            if (*each.source != '\0') parts.push_back({each.source, ""});
+    for (const auto& [source, rels] : rows) {
+        Parts parts{{rels, relsXml(rel("r", "t", "urn:here"))}};
+        for (std::size_t i = 1; i < std::size(rows); ++i) parts.push_back({rows[i].first, ""});
         PackageInMemory package(parts);
-        for (const auto& each : rows)
-            EXPECT_EQ(s(package->getRelationshipTargetFromId(u("r"), package.part(each.source))),
-                      std::string(each.source) == row.source ? "urn:here" : "")
-                << row.rels << " for " << each.source;
+        for (const auto& [name, other] : rows)
+            EXPECT_EQ(s(package->getRelationshipTargetFromId(u("r"), package.part(name))),
+                      rels == other ? "urn:here" : "")
+                << rels << " for " << name;
     }
 }
 
 TEST(PackageTest, TargetsOfPartsAreMemberNames) {
-    const struct {
-        const char *source, *target, *mode, *expected;
-    } rows[] = {
+    const std::tuple<std::string, std::string, std::string, std::string> rows[] = {
         {"word/document.xml", "media/image1.png", "", "word/media/image1.png"},
         {"word/document.xml", "media/image1.png", "External", "media/image1.png"},
         {"word/document.xml", "media/image1.png", "internal", "media/image1.png"},
@@ -121,8 +113,9 @@ TEST(PackageTest, TargetsOfPartsAreMemberNames) {
         {"", "/word/document.xml", "", "/word/document.xml"},
         {"", "../x y%20z", "", "../x y%20z"},
     };
-    for (const auto& row : rows) {
-        const std::string source = row.source;
+    const UnicodeString image =
+        u"http://schemas.openxmlformats.org/officeDocument/2006/relationships/image";
+    for (const auto& [source, target, mode, expected] : rows) {
         const std::size_t slash = source.rfind('/') + 1;
         PackageInMemory package(
             {{source.empty() ? "unused" : source, ""},
@@ -130,18 +123,13 @@ TEST(PackageTest, TargetsOfPartsAreMemberNames) {
              {"word/caf\xC3\xA9", ""},
              {"word/\xC3\xA9t\xC3\xA9", ""},
              {source.substr(0, slash) + "_rels/" + source.substr(slash) + ".rels",
-              relsXml(rel("r", "image", row.target, row.mode))}});
+              relsXml(rel("r", "image", target, mode))}});
         RyZipFileEntry* const part = package.part(source);
-        const std::string what = source + " to " + row.target + " " + row.mode;
-        EXPECT_EQ(s(package->getRelationshipTargetFromId(u("r"), part)), row.expected) << what;
-        EXPECT_EQ(s(package->getRelationshipTargetFromType(
-                      u("http://schemas.openxmlformats.org/officeDocument/2006/relationships/"
-                        "image"),
-                      part)),
-                  row.expected)
-            << what;
+        const std::string what = source + " to " + target + " " + mode;
+        EXPECT_EQ(s(package->getRelationshipTargetFromId(u("r"), part)), expected) << what;
+        EXPECT_EQ(s(package->getRelationshipTargetFromType(image, part)), expected) << what;
         EXPECT_EQ(s(package->getRelationshipTargetMode(u("r"), part)),
-                  *row.mode == '\0' ? "Internal" : row.mode)
+                  mode.empty() ? "Internal" : mode)
             << what;
     }
 }
@@ -164,9 +152,7 @@ TEST(PackageTest, TheFirstOfEqualRelationshipsWins) {
 }
 
 TEST(PackageTest, ApplicationVersion) {
-    const struct {
-        const char *what, *xml, *version;
-    } rows[] = {
+    const std::tuple<const char*, const char*, const char*> rows[] = {
         {"as written",
          "<Properties xmlns='http://schemas.openxmlformats.org/officeDocument/2006/"
          "extended-properties'><Application>A</Application><AppVersion>16.0300</AppVersion>"
@@ -178,10 +164,10 @@ TEST(PackageTest, ApplicationVersion) {
         {"broken in it", "<a><AppVersion>1<&</a>", ""},
         {"no part", nullptr, ""},
     };
-    for (const auto& row : rows) {
+    for (const auto& [what, xml, version] : rows) {
         Parts parts = {{"unused", ""}};
-        if (row.xml != nullptr) parts.push_back({"docProps/app.xml", row.xml});
-        EXPECT_EQ(s(PackageInMemory(parts)->getAppVersion()), row.version) << row.what;
+        if (xml != nullptr) parts.push_back({"docProps/app.xml", xml});
+        EXPECT_EQ(s(PackageInMemory(parts)->getAppVersion()), version) << what;
     }
 }
 

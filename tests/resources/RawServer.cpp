@@ -57,12 +57,6 @@ bool Connection::send(const std::string& bytes) {
     return true;
 }
 
-void Connection::waitForClose() {
-    char ignored[256];
-    while (recv(socket_, ignored, sizeof ignored, 0) > 0) {
-    }
-}
-
 void Connection::reset() {
     const linger none{1, 0};
     setsockopt(socket_, SOL_SOCKET, SO_LINGER, &none, sizeof none);
@@ -96,12 +90,6 @@ void RawServer::run() {
         // client waited for, which may hold this connection while it asks for the next.
         if (const int ended = connection.end(); ended >= 0) ended_.push_back(ended);
     }
-}
-
-int findClosedPort() {
-    int port = 0;
-    close(listenAnywhere(port));
-    return port;
 }
 
 }  // namespace RynCommon

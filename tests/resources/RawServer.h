@@ -20,8 +20,6 @@ public:
     std::string readRequest();
     /// False when the peer is gone.
     bool send(const std::string& bytes);
-    /// Waits until the peer closes the connection.
-    void waitForClose();
     /// Ends with a reset instead of an orderly close.
     void reset();
     /// Tells the peer that no more comes, and gives the socket up to the caller; -1 when it is
@@ -53,8 +51,5 @@ private:
     std::vector<int> ended_;  // sockets of connections that were handled; closed with the server
     std::thread thread_;
 };
-
-/// A port at which nobody listens.
-int findClosedPort();
 
 }  // namespace RynCommon

@@ -5,6 +5,7 @@
 
 #include <sstream>
 #include <string>
+#include <tuple>
 
 #include "ZipReading.h"
 #include "tests/streams/DeflateData.h"
@@ -16,17 +17,11 @@ using namespace std::string_literals;
 
 const std::string TEXT = makeText(30'000);
 
-struct Row {
-    const char* what;
-    std::string archive;
-    Members expected;
-};
-
-std::vector<Row> getReadable() {
+TEST(ZipDirectoryTest, ReadsMembersByTheirDirectory) {
     const std::vector<ZipMember> members{{"a", TEXT}, {"b", "2", 0}};
     const Members both{"a=" + TEXT, "b=2"};
     const std::string wildEnd = "PK\x05\x06"s + std::string(18, '\xF0');
-    return {
+    const std::tuple<const char*, std::string, Members> rows[] = {
         {"in front", makeZip(members, {.prefix = "#!/bin/sh\n" + TEXT}), both},
         {"longest comment", makeZip(members, {.comment = std::string(65'535, 'c')}), both},
         {"wild end in the comment", makeZip(members, {.comment = "xx" + wildEnd + "xx"}), both},
@@ -59,10 +54,7 @@ std::vector<Row> getReadable() {
          makeZip({{.name = "a", .data = "1", .offset = 5}, {"b", "2"}}),
          {"a=", "b=2"}},
     };
-}
-
-TEST(ZipDirectoryTest, ReadsMembersByTheirDirectory) {
-    for (const auto& [what, archive, expected] : getReadable())
+    for (const auto& [what, archive, expected] : rows)
         EXPECT_EQ(readMembers(openZip(archive, true)), expected) << what;
 }
 

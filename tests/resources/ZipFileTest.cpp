@@ -6,6 +6,7 @@
 
 #include <sstream>
 #include <string>
+#include <tuple>
 
 #include "ZipReading.h"
 #include "tests/Scratch.h"
@@ -18,12 +19,7 @@ using namespace std::string_literals;
 
 TEST(ZipFileTest, ReadsMembersByTheirLocalHeaders) {
     const std::string text = makeText(1'000);
-    struct Row {
-        const char* what;
-        std::vector<ZipMember> members;
-        Members expected;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, std::vector<ZipMember>, Members> rows[] = {
         {"no member", {}, {}},
         {"a method that is not known", {{.name = "a", .data = "xyz", .method = 12}}, {"a=xyz"}},
         {"extra field",
@@ -52,10 +48,7 @@ TEST(ZipFileTest, FindsMembersByTheirExactNames) {
         {"same", "3"},
         {"same", "4"},
     }));
-    const struct {
-        const char16_t* name;
-        int index;
-    } rows[] = {
+    const std::pair<const char16_t*, int> rows[] = {
         {u"word/document.xml", 0},
         {u"Word/document.xml", -1},
         {u"x.xml", -1},
@@ -76,10 +69,7 @@ TEST(ZipFileTest, FindsMembersByTheirExactNames) {
 /// ICU's default converter is UTF-8 here whatever the locale is.
 TEST(ZipFileTest, DecodesNamesWithTheDefaultConverter) {
     ASSERT_STREQ(ucnv_getDefaultName(), "UTF-8");
-    const struct {
-        const char* bytes;
-        const char16_t* name;
-    } rows[] = {
+    const std::pair<const char*, const char16_t*> rows[] = {
         {"\u30C6.xml", u"\u30C6.xml"},
         {"\xE9", u"\uFFFD"},
         {"\x83\x65.xml", u"\uFFFDe.xml"},
@@ -129,11 +119,7 @@ TEST(ZipFileTest, AMemberCanBeReadByItself) {
 }
 
 TEST(ZipFileTest, RecognisesArchivesWithoutMovingTheStream) {
-    const struct {
-        const char* what;
-        std::string bytes;
-        bool expected;
-    } rows[] = {
+    const std::tuple<const char*, std::string, bool> rows[] = {
         {"an archive", makeZip({{"a", "1"}}), true},
         {"an empty archive", makeZip({}), true},
         {"a data descriptor", "PK\x07\x08", false},
@@ -175,7 +161,7 @@ TEST(ZipFileTest, OpensFiles) {
     const ScratchFolder folder;
     const std::string path = folder.path("\u00E9.zip");
     folder.write("\u00E9.zip", makeZip({{"a", "1"}}));
-    const UnicodeString text = UnicodeString::fromUTF8(path);
+    const UnicodeString text = u(path);
 
     EXPECT_EQ(readMembers(RyZipFile(path.c_str())), Members{"a=1"});
     EXPECT_EQ(readMembers(RyZipFile(text)), Members{"a=1"});

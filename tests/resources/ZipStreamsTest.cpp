@@ -6,22 +6,15 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "ZipReading.h"
+#include "tests/streams/ByteSources.h"
 #include "tests/streams/DeflateData.h"
 
 namespace RynCommon {
 namespace {
-
-/// Counts how many of its kind there are.
-class CountedStream : public std::istringstream {
-public:
-    explicit CountedStream(const std::string& bytes) : std::istringstream(bytes) { ++count; }
-    ~CountedStream() override { --count; }
-
-    static inline int count = 0;
-};
 
 TEST(ZipStreamsTest, TheMembersOwnStreamIsPutBackToItsStart) {
     const std::string text = makeText(20'000);
@@ -126,12 +119,7 @@ TEST(ZipStreamsTest, CheckedStreamsTurnBadAtTheEndOfWrongData) {
     const std::string text = makeText(20'000);
     std::string packed = deflateData(text);
     const std::string cut = packed.substr(0, packed.size() / 2);
-    const struct {
-        const char* what;
-        ZipMember member;
-        bool bad;
-        std::size_t length;
-    } rows[] = {
+    const std::tuple<const char*, ZipMember, bool, std::size_t> rows[] = {
         {"right, deflated", {"a", text}, false, 20'000},
         {"right, stored", {"a", text, 0}, false, 20'000},
         {"unknown method", {.name = "a", .data = "x", .method = 9, .crc = 1}, false, 1},

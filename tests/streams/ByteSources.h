@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <istream>
+#include <sstream>
 #include <stdexcept>
 #include <streambuf>
 #include <string>
@@ -40,6 +41,37 @@ private:
     std::vector<std::size_t> sizes_;
     std::size_t turn_ = 0;
     std::size_t delivered_ = 0;
+};
+
+/// Counts how many of its kind there are.
+class CountedStream : public std::istringstream {
+public:
+    explicit CountedStream(const std::string& bytes) : std::istringstream(bytes) { ++count; }
+    ~CountedStream() override { --count; }
+
+    static inline int count = 0;
+};
+
+/// Counts the bytes that are taken, and throws where more than the first `good` are wanted, as a
+/// broken disk does.
+class WatchedBuf : public std::stringbuf {
+public:
+    explicit WatchedBuf(const std::string& bytes, std::size_t good = std::string::npos)
+        : std::stringbuf(bytes), good_(good) {}
+
+    std::size_t bytesRead = 0;
+
+protected:
+    std::streamsize xsgetn(char* target, std::streamsize count) override {
+        const std::streamoff here = seekoff(0, std::ios::cur, std::ios::in);
+        if (static_cast<std::size_t>(here + count) > good_) throw std::runtime_error("read");
+        const std::streamsize came = std::stringbuf::xsgetn(target, count);
+        bytesRead += came;
+        return came;
+    }
+
+private:
+    std::size_t good_;
 };
 
 /// Delivers its bytes and throws where more is wanted.

@@ -3,9 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <iterator>
 #include <sstream>
 #include <string>
+#include <tuple>
+
+#include "tests/Text.h"
 
 namespace RynCommon {
 namespace {
@@ -26,48 +28,35 @@ std::string encode(const UnicodeString& text, const char* encoding, const Option
 }
 
 TEST(DMCOStreamTest, EncodesAndSubstitutes) {
-    const struct {
-        const char *what, *encoding;
-        UnicodeString text;
-        std::string expected;
-    } rows[] = {
-        {"plain", "Shift_JIS", u"a漢字", "a\x8A\xBF\x8E\x9A"},
-        {"geta", "Shift_JIS", u"x\u0E01y", "x\x81\xACy"},
-        {"geta, supplementary", "EUC-JP", u"\U0001F600", "\xA2\xAE"},
-        {"question mark", "windows-1252", u"\u0E01€", "?\x80"},
-        {"ignorable character", "US-ASCII", u"a\u200Db", "a?b"},
-        {"shift states end", "ISO-2022-JP", u"a漢", "a\x1B$B4A\x1B(B"},
-        {"geta in a shift state", "ISO-2022-JP", u"漢\u0E01", "\x1B$B4A\".\x1B(B"},
-        {"lone surrogate", "UTF-8", UnicodeString(u"a\xD800", 2), "a\xE3\x80\x93"},
-        {"big-endian", "UTF-16BE", u"a", std::string("\0a", 2)},
-        {"32 bits", "UTF-32", u"\U0001F600", std::string("\x00\xF6\x01\x00", 4)},
+    const Options mark{true, RyDMCOStreamBuf::LF_CRLF};
+    const UnicodeString lines = u"a\nb\r\nc\rd\n\r\r\n";
+    const std::tuple<const char*, const char*, Options, UnicodeString, std::string> rows[] = {
+        {"plain", "Shift_JIS", {}, u"a漢字", "a\x8A\xBF\x8E\x9A"},
+        {"geta", "Shift_JIS", {}, u"x\u0E01y", "x\x81\xACy"},
+        {"geta, supplementary", "EUC-JP", {}, u"\U0001F600", "\xA2\xAE"},
+        {"question mark", "windows-1252", {}, u"\u0E01€", "?\x80"},
+        {"ignorable character", "US-ASCII", {}, u"a\u200Db", "a?b"},
+        {"shift states end", "ISO-2022-JP", {}, u"a漢", "a\x1B$B4A\x1B(B"},
+        {"geta in a shift state", "ISO-2022-JP", {}, u"漢\u0E01", "\x1B$B4A\".\x1B(B"},
+        {"lone surrogate", "UTF-8", {}, UnicodeString(u"a\xD800", 2), "a\xE3\x80\x93"},
+        {"big-endian", "UTF-16BE", {}, u"a", std::string("\0a", 2)},
+        {"32 bits", "UTF-32", {}, u"\U0001F600", std::string("\x00\xF6\x01\x00", 4)},
+        {"mark", "UTF-8", mark, u"x", "\xEF\xBB\xBFx"},
+        {"mark", "UTF-16", mark, u"x", std::string("\xFF\xFEx\0", 4)},
+        {"mark", "UTF-16BE", mark, u"x", std::string("\xFE\xFF\0x", 4)},
+        {"mark", "UTF-32BE", mark, u"x", std::string("\0\0\xFE\xFF\0\0\0x", 8)},
+        {"no mark", "Shift_JIS", mark, u"x", "x"},
+        {"as it is", "US-ASCII", {false, RyDMCOStreamBuf::LF_NONE}, lines, s(lines)},
+        {"LF", "US-ASCII", {false, RyDMCOStreamBuf::LF_LF}, lines, "a\nb\nc\nd\n\n\n"},
+        {"CR", "US-ASCII", {false, RyDMCOStreamBuf::LF_CR}, lines, "a\rb\rc\rd\r\r\r"},
+        {"CR LF",
+         "US-ASCII",
+         {false, RyDMCOStreamBuf::LF_CRLF},
+         lines,
+         "a\r\nb\r\nc\r\nd\r\n\r\n\r\n"},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(encode(row.text, row.encoding), row.expected) << row.what;
-}
-
-TEST(DMCOStreamTest, ByteOrderMarks) {
-    const std::pair<const char*, std::string> rows[] = {
-        {"UTF-8", "\xEF\xBB\xBFx"},
-        {"UTF-16", std::string("\xFF\xFEx\0", 4)},
-        {"UTF-16BE", std::string("\xFE\xFF\0x", 4)},
-        {"UTF-32BE", std::string("\0\0\xFE\xFF\0\0\0x", 8)},
-        {"Shift_JIS", "x"},
-    };
-    for (const auto& [encoding, expected] : rows)
-        EXPECT_EQ(encode(u"x", encoding, {true, RyDMCOStreamBuf::LF_CRLF}), expected) << encoding;
-}
-
-TEST(DMCOStreamTest, LineEnds) {
-    const UnicodeString text = u"a\nb\r\nc\rd\n\r\r\n";
-    const std::pair<RyDMCOStreamBuf::LF_CONVERT, std::string> rows[] = {
-        {RyDMCOStreamBuf::LF_NONE, "a\nb\r\nc\rd\n\r\r\n"},
-        {RyDMCOStreamBuf::LF_LF, "a\nb\nc\nd\n\n\n"},
-        {RyDMCOStreamBuf::LF_CRLF, "a\r\nb\r\nc\r\nd\r\n\r\n\r\n"},
-        {RyDMCOStreamBuf::LF_CR, "a\rb\rc\rd\r\r\r"},
-    };
-    for (const auto& [mode, expected] : rows)
-        EXPECT_EQ(encode(text, "US-ASCII", {false, mode}), expected) << mode;
+    for (const auto& [what, encoding, options, text, expected] : rows)
+        EXPECT_EQ(encode(text, encoding, options), expected) << what << " in " << encoding;
 }
 
 TEST(DMCOStreamTest, StrictDataEndsAtTheFirstMissingCharacter) {

@@ -5,6 +5,7 @@
 
 #include <sstream>
 #include <string>
+#include <tuple>
 
 #include "ByteSources.h"
 #include "tests/Scratch.h"
@@ -28,12 +29,7 @@ const UnicodeString ENGLISH = u"This is a plain sentence, and it is followed by 
 TEST(DetectEncodingTest, Samples) {
     // A three-byte character lies across the end of the sample.
     const std::string cut = std::string(64 * 1024 - 1, 'a') + "\xE6\xBC\xA2 and more";
-    const struct {
-        const char* what;
-        std::string bytes;
-        const char* name;
-        bool flag;
-    } rows[] = {
+    const std::tuple<const char*, std::string, const char*, bool> rows[] = {
         {"nothing", "", "", false},
         {"ASCII", "<a/>", "UTF-8", false},
         {"UTF-8", encode(JAPANESE, "UTF-8"), "UTF-8", false},
@@ -50,16 +46,16 @@ TEST(DetectEncodingTest, Samples) {
         {"a stray escape", encode(ENGLISH, "UTF-8") + "\x1B[0m", "UTF-8", false},
         {"Latin", "Un caf\xE9 au lait pour Andr\xE9 et Ren\xE9\n", "ISO-8859-1", false},
     };
-    for (const auto& row : rows) {
-        std::istringstream in("?" + row.bytes);
+    for (const auto& [what, bytes, expected, hasMark] : rows) {
+        std::istringstream in("?" + bytes);
         in.get();
         UnicodeString name = u"old";
         bool flag = true;
-        EXPECT_EQ(RyDMCStream::detectEncoding(&in, name, flag), *row.name != '\0') << row.what;
-        EXPECT_EQ(s(name), row.name) << row.what;
-        EXPECT_EQ(flag, row.flag) << row.what;
-        EXPECT_TRUE(in.good()) << row.what;
-        EXPECT_EQ(in.tellg(), std::streampos(1)) << row.what;
+        EXPECT_EQ(RyDMCStream::detectEncoding(&in, name, flag), *expected != '\0') << what;
+        EXPECT_EQ(s(name), expected) << what;
+        EXPECT_EQ(flag, hasMark) << what;
+        EXPECT_TRUE(in.good()) << what;
+        EXPECT_EQ(in.tellg(), std::streampos(1)) << what;
     }
 }
 

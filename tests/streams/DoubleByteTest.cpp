@@ -7,7 +7,6 @@
 #include <unicode/ucnv_err.h>
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -93,20 +92,6 @@ std::u16string decodeInParts(streams::Decoder& decoder, std::string_view bytes, 
     return text;
 }
 
-std::string describe(std::string_view bytes) {
-    std::string text;
-    for (const char byte : bytes) {
-        char digits[8];
-        std::snprintf(digits, sizeof digits, "%02X ", static_cast<unsigned char>(byte));
-        text += digits;
-    }
-    return text;
-}
-
-char toByte(std::size_t value) {
-    return static_cast<char>(static_cast<unsigned char>(value));
-}
-
 TEST(DoubleByteTest, EncodingsWithTables) {
     const std::pair<const char*, bool> rows[] = {
         {"windows-31j", true}, {"KoreanKSC", true}, {"GB18030", true},       {"EUC-TW", true},
@@ -131,10 +116,8 @@ TEST(DoubleByteTest, EveryPairWithinTextGivesWhatTheConverterGives) {
             std::find_if(table->pairs.begin(), table->pairs.end(),
                          [](char16_t unit) { return unit > 0x2000 && unit != 0xFFFD; }) -
             table->pairs.begin());
-        const std::string pair = {toByte(0x80 | good >> 8), toByte(good)};
-        const struct {
-            std::string before, after;
-        } rows[] = {
+        const std::string pair = {static_cast<char>(0x80 | good >> 8), static_cast<char>(good)};
+        const std::pair<std::string, std::string> rows[] = {
             {"", ""},
             {"", "\n\n"},
             {pair + pair + pair, pair + pair},
@@ -142,15 +125,15 @@ TEST(DoubleByteTest, EveryPairWithinTextGivesWhatTheConverterGives) {
             {pair + "1", "23456789 <a>" + pair},
         };
         for (std::size_t lead = 0x7E; lead < 0x100; ++lead) {
-            for (const auto& row : rows) {
+            for (const auto& [before, after] : rows) {
                 std::string bytes;
                 for (std::size_t trail = 0; trail < 0x100; ++trail)
-                    bytes += row.before + toByte(lead) + toByte(trail) + row.after;
+                    bytes += before + static_cast<char>(lead) + static_cast<char>(trail) + after;
                 const std::u16string expected = decodeInParts(reference, bytes, bytes.size());
                 for (const std::size_t size : {bytes.size(), std::size_t{7}})
                     ASSERT_EQ(decodeInParts(*decoder, bytes, size), expected)
                         << name << ": lead " << lead << " in parts of " << size << " between '"
-                        << row.before << "' and '" << row.after << "'";
+                        << before << "' and '" << after << "'";
             }
         }
     }
@@ -170,13 +153,15 @@ TEST(DoubleByteTest, LongerCharactersGiveWhatTheConverterGives) {
         for (std::size_t first = 0; first < 0x100; ++first) {
             std::string bytes;
             for (std::size_t second = 0; second < 0x100; ++second)
-                bytes += std::string(prefix) + toByte(first) + toByte(second) + "\n";
+                bytes += std::string(prefix) + static_cast<char>(first) +
+                         static_cast<char>(second) + "\n";
             const std::u16string expected = decodeInParts(reference, bytes, bytes.size());
             for (std::size_t size = 1; size <= 6; ++size)
                 ASSERT_EQ(decodeInParts(*decoder, bytes, size), expected)
-                    << encoding << ": " << describe(prefix) << first << " in parts of " << size;
+                    << encoding << ": " << testing::PrintToString(prefix) << first
+                    << " in parts of " << size;
             ASSERT_EQ(decodeInParts(*decoder, bytes, bytes.size(), 2), expected)
-                << encoding << ": " << describe(prefix) << first;
+                << encoding << ": " << testing::PrintToString(prefix) << first;
         }
     }
 }

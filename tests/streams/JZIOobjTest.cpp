@@ -9,8 +9,10 @@
 #include <fstream>
 #include <limits>
 #include <sstream>
+#include <tuple>
 
 #include "tests/Scratch.h"
+#include "tests/Text.h"
 #include "tests/streams/ByteSources.h"
 #include "tests/streams/DeflateData.h"
 
@@ -29,11 +31,7 @@ TEST_F(JZIOobjTest, OpensRegularFilesOnly) {
     std::ofstream(path("file")) << "x";
     ASSERT_EQ(mkfifo(path("fifo").c_str(), 0600), 0);
     ASSERT_EQ(symlink("/dev/zero", path("zero").c_str()), 0);
-    const struct {
-        std::string path;
-        const char* mode;
-        bool opens;
-    } rows[] = {
+    const std::tuple<std::string, const char*, bool> rows[] = {
         {path("file"), "rb", true},
         {path("\xC3\xA9"), "wb", true},
         {path("file") + std::string(1, '\0'), "rb", false},
@@ -45,11 +43,9 @@ TEST_F(JZIOobjTest, OpensRegularFilesOnly) {
         {path("fifo"), "rb", false},
         {path("zero"), "rb", false},
     };
-    for (const auto& row : rows) {
-        const char* const mode = row.mode == nullptr ? "null" : row.mode;
-        EXPECT_EQ(JZFileIOobj(UnicodeString::fromUTF8(row.path), row.mode).isOpen(), row.opens)
-            << row.path << mode;
-    }
+    for (const auto& [name, mode, opens] : rows)
+        EXPECT_EQ(JZFileIOobj(u(name), mode).isOpen(), opens)
+            << name << " " << testing::PrintToString(mode);
     EXPECT_FALSE(JZFileIOobj(static_cast<const char*>(nullptr), "rb").isOpen());
 }
 
@@ -83,24 +79,19 @@ TEST_F(JZIOobjTest, ReadsAndSeeksAlike) {
         ASSERT_TRUE(io->isOpen());
         readAnywhere(*io, content);
         char byte = 0;
-        const struct {
-            std::int64_t offset;
-            int whence;
-            bool sought;
-            std::size_t position;  ///< afterwards
-        } rows[] = {
+        const std::tuple<std::int64_t, int, bool, std::size_t> rows[] = {
             {0, SEEK_SET, true, 0},       {10, SEEK_CUR, true, 10},
             {-11, SEEK_CUR, false, 10},   {-1, SEEK_SET, false, 10},
             {-1, SEEK_END, true, 49'999}, {-50'001, SEEK_END, false, 49'999},
             {5, 3, false, 49'999},        {5, -1, false, 49'999},
             {-50'000, SEEK_END, true, 0}, {50'000, SEEK_SET, true, 50'000},
         };
-        for (const auto& row : rows) {
-            EXPECT_EQ(io->seek(row.offset, row.whence), row.sought) << row.offset;
-            const bool inside = row.position < content.size();
-            ASSERT_EQ(io->read(&byte, 1), inside ? 1U : 0U) << row.offset;
+        for (const auto& [offset, whence, sought, position] : rows) {
+            EXPECT_EQ(io->seek(offset, whence), sought) << offset;
+            const bool inside = position < content.size();
+            ASSERT_EQ(io->read(&byte, 1), inside ? 1U : 0U) << offset;
             if (inside) {
-                EXPECT_EQ(byte, content[row.position]) << row.offset;
+                EXPECT_EQ(byte, content[position]) << offset;
                 ASSERT_TRUE(io->seek(-1, SEEK_CUR));
             }
         }

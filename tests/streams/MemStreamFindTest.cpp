@@ -3,25 +3,20 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <memory>
 #include <string>
+#include <string_view>
+#include <tuple>
+#include <vector>
 
 namespace RynCommon {
 namespace {
 
 /// Bytes in a block of exactly their size, so that a sanitizer sees a read past either end.
-class Exact {
-public:
-    explicit Exact(std::string_view text)
-        : block_(std::make_unique<char[]>(text.size())), size_(text.size()) {
-        std::copy(text.begin(), text.end(), block_.get());
-    }
-    std::string_view get() const { return {block_.get(), size_}; }
+struct Exact {
+    explicit Exact(std::string_view text) : block(text.begin(), text.end()) {}
+    std::string_view get() const { return {block.data(), block.size()}; }
 
-private:
-    std::unique_ptr<char[]> block_;
-    std::size_t size_;
+    std::vector<char> block;
 };
 
 TEST(MemStreamFindTest, FindsAtEveryPlaceInTextsOfEveryLength) {
@@ -48,21 +43,18 @@ TEST(MemStreamFindTest, FindsAtEveryPlaceInTextsOfEveryLength) {
 
 /// Texts full of near misses use up the credit; what is found must not depend on that.
 TEST(MemStreamFindTest, NearMissesChangeNothing) {
-    const struct {
-        const char* what;
-        std::string text, pattern;
-    } rows[] = {
+    const std::tuple<const char*, std::string, std::string> rows[] = {
         {"absent", std::string(100'000, 'a'), std::string(500, 'a') + "b" + std::string(500, 'a')},
         {"at the end", std::string(99'000, 'a') + "b" + std::string(700, 'a'),
          std::string(500, 'a') + "b" + std::string(500, 'a')},
         {"runs only", std::string(5000, 'a'), std::string(5000, 'a')},
     };
-    for (const auto& row : rows) {
-        const std::size_t expected = row.text.find(row.pattern);
-        BytePattern search(row.pattern);
+    for (const auto& [what, text, pattern] : rows) {
+        const std::size_t expected = text.find(pattern);
+        BytePattern search(pattern);
         // Again with what the first search left of the credit.
-        EXPECT_EQ(search.find(Exact(row.text).get()), expected) << row.what;
-        EXPECT_EQ(search.find(Exact(row.text).get()), expected) << row.what;
+        EXPECT_EQ(search.find(Exact(text).get()), expected) << what;
+        EXPECT_EQ(search.find(Exact(text).get()), expected) << what;
     }
 }
 

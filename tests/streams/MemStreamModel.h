@@ -9,9 +9,10 @@
 #include <istream>
 #include <memory>
 #include <sstream>
-#include <streambuf>
 #include <string>
 #include <string_view>
+
+#include "tests/streams/ByteSources.h"
 
 namespace RynCommon {
 
@@ -45,16 +46,8 @@ private:
 };
 
 /// A source that fails at the first byte, which is not its end.
-class BrokenSource : public std::istream {
-public:
-    BrokenSource() : std::istream(nullptr) { rdbuf(&buffer_); }
-
-private:
-    class Buffer : public std::streambuf {
-    protected:
-        int_type underflow() override { throw std::ios_base::failure("broken"); }
-    };
-    Buffer buffer_;
+struct BrokenSource : private BreakingSource, public std::istream {
+    BrokenSource() : std::istream(this) {}
 };
 
 class MemStreamModel {

@@ -88,37 +88,24 @@ TEST(MemStreamTest, ReadsSourcesOnDemand) {
     EXPECT_EQ(stream.length(), 20'000U);
 }
 
-/// Counts the sources that are alive.
-class CountedSource : public std::istringstream {
-public:
-    CountedSource(const std::string& text, int& alive) : std::istringstream(text), alive_(alive) {
-        ++alive_;
-    }
-    ~CountedSource() override { --alive_; }
-
-private:
-    int& alive_;
-};
-
 TEST(MemStreamTest, DropsSources) {
-    int alive = 0;
     const std::string text = makeText(100);
-    RyMemStream atEnd(new CountedSource(text, alive), 64, true);
-    auto bad = std::make_unique<CountedSource>("unseen", alive);
+    RyMemStream atEnd(new CountedStream(text), 64, true);
+    auto bad = std::make_unique<CountedStream>("unseen");
     bad->setstate(std::ios_base::badbit);
     atEnd.setSource(bad.release(), true);
     EXPECT_EQ(contentOf(atEnd), text);
-    EXPECT_EQ(alive, 0);
+    EXPECT_EQ(CountedStream::count, 0);
 
-    RyMemStream removed(new CountedSource(text, alive), 64, true);
+    RyMemStream removed(new CountedStream(text), 64, true);
     removed.remove();
-    EXPECT_EQ(alive, 0);
+    EXPECT_EQ(CountedStream::count, 0);
     EXPECT_TRUE(removed.empty());
 
-    CountedSource kept(text, alive);
-    { const RyMemStream untouched(new CountedSource(text, alive), 64, true); }
+    CountedStream kept(text);
+    { const RyMemStream untouched(new CountedStream(text), 64, true); }
     { RyMemStream(&kept, 64).get(); }
-    EXPECT_EQ(alive, 1);
+    EXPECT_EQ(CountedStream::count, 1);
     RyMemStream itself;
     itself << "abc";
     itself.setSource(&itself, false);
