@@ -39,6 +39,13 @@ public:
     /// Whether an exact node dies with the one reference that its owner holds.
     static bool isUnshared(const RyNode& node) { return isAny(node) && node.isHeldOnce(); }
 
+    /// Whether nodes of other classes may die with an exact child: below it, or as attributes.
+    static bool holdsOthers(const RyNode& child) {
+        return child.last_ != nullptr ||
+               (is<RyElement>(child) &&
+                static_cast<const RyElement&>(child).attributes_ != nullptr);
+    }
+
     // Destroy an unshared node, whose links are left as they are.
     static void destroyChild(RyNode& child) {
         if (is<RyTextNode>(child))

@@ -37,10 +37,10 @@ void NodeLinks::unlink(RyNode*& last, RyNode& node) {
     node.previous_ = nullptr;
 }
 
-// A row of exact nodes without children dies without a write to any of them, since nobody can look:
-// what it costs is the time until its memory has come past once. Before anything below another node
-// dies, and before a node that is not exact dies or is freed for others, the ring that it is in is
-// put in order: a formatter's destructors may look at parents that they know.
+// A row of exact nodes without children and attributes dies without a write to any of them, since
+// nobody can look: what it costs is the time until its memory has come past once. Before anything
+// that another node holds dies, and before a node that is not exact dies or is freed for others,
+// the ring that it is in is put in order: a formatter's destructors may look at nodes above them.
 void NodeLinks::releaseChildren(RyNode& top) {
     RyNode* at = &top;
     RyNode* node = at->last_;  // the last one left of the children of `at`
@@ -62,14 +62,16 @@ void NodeLinks::releaseChildren(RyNode& top) {
         } else {
             fetchBehind(node);
             const bool isExact = ExactNodes::isUnshared(*node);
+            if (!isExact || ExactNodes::holdsOthers(*node)) {
+                at->last_ = node;
+                node->next_ = first;
+            }
             if (isExact && node->last_ == nullptr) {
                 RyNode* const previous = node->previous_;
                 ExactNodes::destroyChild(*node);
                 node = previous;
                 continue;
             }
-            at->last_ = node;
-            node->next_ = first;
             if (isExact) {
                 // Its children go first; its parent link is the way back from them.
                 at = node;

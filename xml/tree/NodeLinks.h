@@ -43,6 +43,7 @@ public:
             node = previous;
         }
     }
+    /// Clears the links of a node that is in no ring any more.
     static void free(RyNode& node) { node.next_ = node.previous_ = nullptr; }
 
     // The same on the children of a parent.

@@ -154,6 +154,23 @@ private:
     std::vector<RyNode*> above_;
 };
 
+/// The same as an attribute.
+class WatchedAttr : public RyAttr {
+public:
+    WatchedAttr(RyDocument* document, Sight& sight, std::vector<RyNode*> above)
+        : RyAttr(document, RyName(), RyName(), name("w")),
+          sight_(sight),
+          above_(std::move(above)) {}
+    ~WatchedAttr() override {
+        if (!sight_.isWholeTree) return;
+        for (const RyNode* node : above_) sight_.broken += brokenLinks(*node);
+    }
+
+private:
+    Sight& sight_;
+    std::vector<RyNode*> above_;
+};
+
 TEST(RyNodeEditing, NodesHeldElsewhereSurviveTheirParentWhole) {
     std::mt19937 random(4711);
     const auto below = [&random](std::size_t n) { return random() % n; };
@@ -171,7 +188,11 @@ TEST(RyNodeEditing, NodesHeldElsewhereSurviveTheirParentWhole) {
                 case 1:
                     return RyPtr<RyNode>(document->createTextNode(u"a text of some length").get());
                 default:
-                    return RyPtr<RyNode>(document->createElement(name("e")).get());
+                    const RyPtr<RyElement> element = document->createElement(name("e"));
+                    if (below(2) == 0)
+                        element->setAttributeNode(
+                            new WatchedAttr(document, sight, std::move(above)));
+                    return RyPtr<RyNode>(element.get());
             }
         };
         for (int i = 0; i < 40; ++i) {
